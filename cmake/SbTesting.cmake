@@ -1,0 +1,19 @@
+# sb_add_test(<name> LABEL <unit|integration|gui|interop> SOURCES ... [LIBS ...])
+# One GoogleTest executable, its cases discovered at test time and labelled.
+# Every test runs with Qt's offscreen platform and its own registry folder for
+# virtual modules, so that tests never see a module started by a person.
+function(sb_add_test name)
+  cmake_parse_arguments(T "" "LABEL;TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  if(NOT T_TIMEOUT)
+    set(T_TIMEOUT 300)
+  endif()
+  add_executable(${name} ${T_SOURCES})
+  target_link_libraries(${name} PRIVATE ${T_LIBS} sb_test_support GTest::gtest GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${name}
+    DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 60
+    PROPERTIES
+      LABELS ${T_LABEL}
+      TIMEOUT ${T_TIMEOUT}
+      ENVIRONMENT "QT_QPA_PLATFORM=offscreen;SERVICEBAY_REGISTRY=${CMAKE_BINARY_DIR}/test-registry/${name};SB_BIN_DIR=${CMAKE_BINARY_DIR}/bin;SB_SOURCE_DIR=${CMAKE_SOURCE_DIR}")
+endfunction()

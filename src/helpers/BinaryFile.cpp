@@ -1,0 +1,3 @@
+#include "helpers/BinaryFile.h"
+
+// Implementation pending.

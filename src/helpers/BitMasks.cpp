@@ -1,0 +1,3 @@
+#include "helpers/BitMasks.h"
+
+// Implementation pending.

@@ -1,0 +1,3 @@
+#include "helpers/HexText.h"
+
+// Implementation pending.

@@ -1,0 +1,3 @@
+#include "helpers/IniFile.h"
+
+// Implementation pending.

@@ -1,0 +1,21 @@
+#pragma once
+#include <string>
+
+// Keys of an INI file with the semantics of the classic profile calls:
+// sections and keys without regard to case, blanks and one pair of quotes
+// around a value dropped, the file created on the first write. Writes replace
+// the file atomically, so a crash leaves the old file or the new one.
+namespace sb {
+
+// A non-empty value writes the key; an empty value deletes the key; an empty
+// value and an empty key delete the section.
+bool IniWriteValue(const std::string& section, const std::string& key, const std::string& value,
+                   const std::string& path);
+
+// The key's value; the default when the section, the key or the file is
+// missing (or the key holds the text "NothingFound"); empty when the key is
+// empty.
+std::string IniReadValue(const std::string& section, const std::string& key, const std::string& defaultValue,
+                         const std::string& path);
+
+}  // namespace sb

@@ -1,0 +1,3 @@
+#include "helpers/NumberText.h"
+
+// Implementation pending.

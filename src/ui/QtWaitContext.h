@@ -1,0 +1,29 @@
+#pragma once
+#include <QElapsedTimer>
+#include <QObject>
+
+#include "helpers/Waiting.h"
+
+namespace sb::ui {
+
+// Waiting on Qt's event loop: a nested QEventLoop with a single-shot timer,
+// so a wait sleeps while nothing happens and screens stay alive.
+class QtWaitContext final : public QObject, public WaitContext {
+    Q_OBJECT
+public:
+    QtWaitContext();
+    int32_t Tick() override;
+    void PumpEvents() override;
+    bool Sleep(double ms, bool stopOnInput) override;
+    void NotifyInput() override;
+
+signals:
+    void inputArrived();
+
+private:
+    QElapsedTimer clock_;
+    int32_t offset_ = 0;
+    bool inputPending_ = false;
+};
+
+}  // namespace sb::ui
