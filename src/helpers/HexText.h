@@ -2,16 +2,20 @@
 #include <string>
 
 // Conversions between hex text, byte strings and numbers. A byte string is a
-// std::string holding any byte value, NUL included.
+// std::string holding any byte value, NUL included. Texts and byte strings of
+// more than 32,767 characters, counts above 16,383 and, in NumberToHex, a
+// first quotient from 2^31 on throw OverflowError (helpers/Overflow.h).
 namespace sb {
 
 std::string BytesToHexSpaced(const std::string& bytes);
 std::string BytesToHex(const std::string& bytes);
 
 // Exactly 2 x count digits; count is a 16-bit signed value up to 16,383.
+// A value too large for the count loses its high bytes; a negative one gives
+// the two's complement of its whole part; a count of 0 or below gives "".
 std::string NumberToHex(const std::string& decimalText, int count, bool bigEndian);
 // Decimal text of the first 2 x count digits, filled on the left (bigEndian)
-// or on the right.
+// or on the right. A count of 0 or below gives "0".
 std::string HexToNumber(const std::string& hexText, int count, bool bigEndian);
 
 // Keeps only hex digits; an odd number of them gives an empty byte string and
