@@ -5,10 +5,14 @@
 // sections and keys without regard to case, blanks and one pair of quotes
 // around a value dropped, the file created on the first write. Writes replace
 // the file atomically, so a crash leaves the old file or the new one.
+// Lines may end in LF or CR LF; new lines take the file's own line break (CR
+// LF in a new file), and lines that a write does not touch stay as they were.
 namespace sb {
 
 // A non-empty value writes the key; an empty value deletes the key; an empty
-// value and an empty key delete the section.
+// value and an empty key delete the section. False when the file cannot be
+// read or replaced, and for what could not be read back as written: an empty
+// section name, a line break anywhere, "]" in the section or "=" in the key.
 bool IniWriteValue(const std::string& section, const std::string& key, const std::string& value,
                    const std::string& path);
 
