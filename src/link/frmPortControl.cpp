@@ -1,0 +1,176 @@
+#include "link/frmPortControl.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include "link/ModeSwitch.h"
+#include "link/QtSerialPort.h"
+#include "link/SystemInventory.h"
+#include "ui/MessageBox.h"
+
+namespace sb {
+namespace {
+
+QString Latin1(const std::string& text) {
+    return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+template <class Widget>
+Widget* Named(Widget* widget, const char* name) {
+    widget->setObjectName(QString::fromLatin1(name));
+    return widget;
+}
+
+QString TipAt(const std::vector<std::string>& info, int index) {
+    return index >= 0 && index < static_cast<int>(info.size()) ? Latin1(info[index]) : QString();
+}
+
+void Fill(QComboBox& box, const PortList& list, std::vector<std::string>& info) {
+    box.clear();
+    info.clear();
+    for (const auto& item : list.Items) {
+        box.addItem(Latin1(item.Text), Latin1(item.Port));
+        info.push_back(item.Info);
+    }
+    box.setCurrentIndex(list.Selected);
+    box.setToolTip(TipAt(info, list.Selected));
+}
+
+std::string SelectedPort(const QComboBox& box) { return box.currentData().toString().toLatin1().toStdString(); }
+
+}  // namespace
+
+frmPortControl::frmPortControl(QWidget* parent)
+    : frmPortControl(MakePortInventory(), std::make_unique<QtSerialPort>(), parent) {}
+
+frmPortControl::frmPortControl(std::unique_ptr<PortInventory> inventory, std::unique_ptr<SerialPort> port,
+                               QWidget* parent)
+    : QDialog(parent), MSComm1(std::move(port)), inventory_(std::move(inventory)) {
+    BuildControls();
+    ConnectEvents();
+    // The load of the screen.
+    UpdatePortList();
+}
+
+frmPortControl::~frmPortControl() = default;
+
+void frmPortControl::BuildControls() {
+    setObjectName(QStringLiteral("frmPortControl"));
+    setWindowTitle(QStringLiteral("USB Device selection"));
+
+    Label2 = Named(new QLabel(QStringLiteral("Running Devices"), this), "Label2");
+    cmbUSBDevList = Named(new QComboBox(this), "cmbUSBDevList");
+    cmdSwitchToBoot = Named(new QPushButton(QStringLiteral("Enter Boot"), this), "cmdSwitchToBoot");
+    Label1 = Named(new QLabel(QStringLiteral("Devices in Boot"), this), "Label1");
+    cmbUSBBootList = Named(new QComboBox(this), "cmbUSBBootList");
+    cmdSwitchToDev = Named(new QPushButton(QStringLiteral("Leave Boot"), this), "cmdSwitchToDev");
+    txtSelPort = Named(new QLineEdit(this), "txtSelPort");
+    txtSelPort->setEnabled(false);
+    cmdSelect = Named(new QPushButton(QStringLiteral("Select"), this), "cmdSelect");
+    cmdSelect->setEnabled(false);
+    cmdSelect->setDefault(true);
+    cmdCancel = Named(new QPushButton(QStringLiteral("Cancel"), this), "cmdCancel");
+    cmdScan = Named(new QPushButton(QStringLiteral("Scan"), this), "cmdScan");
+    StatusBar = Named(new QStatusBar(this), "StatusBar");
+    StatusBar->setSizeGripEnabled(false);
+    status_ = std::make_unique<ui::StatusBarText>(*StatusBar);
+    cmbUSBDevList->setMinimumContentsLength(24);
+    cmbUSBBootList->setMinimumContentsLength(24);
+
+    auto* layout = new QVBoxLayout(this);
+    const auto row = [layout](std::initializer_list<QWidget*> widgets) {
+        auto* line = new QHBoxLayout;
+        for (QWidget* widget : widgets) line->addWidget(widget);
+        layout->addLayout(line);
+    };
+    layout->addWidget(Label2);
+    row({cmbUSBDevList, cmdSwitchToBoot});
+    layout->addWidget(Label1);
+    row({cmbUSBBootList, cmdSwitchToDev});
+    layout->addWidget(txtSelPort);
+    row({cmdSelect, cmdCancel, cmdScan});
+    layout->addWidget(StatusBar);
+}
+
+void frmPortControl::ConnectEvents() {
+    connect(cmbUSBBootList, &QComboBox::activated, this, [this] { cmbUSBBootList_Click(); });
+    connect(cmbUSBBootList, &QComboBox::currentIndexChanged, this, [this] { cmbUSBBootList_Change(); });
+    connect(cmbUSBDevList, &QComboBox::currentIndexChanged, this, [this] { cmbUSBDevList_Change(); });
+    connect(cmdSwitchToBoot, &QPushButton::clicked, this, [this] { cmdSwitchToBoot_Click(); });
+    connect(cmdSwitchToDev, &QPushButton::clicked, this, [this] { cmdSwitchToDev_Click(); });
+    connect(cmdScan, &QPushButton::clicked, this, [this] { UpdatePortList(); });
+    connect(cmdSelect, &QPushButton::clicked, this, [this] {
+        if (!switching_) accept();
+    });
+    connect(cmdCancel, &QPushButton::clicked, this, [this] { reject(); });
+}
+
+void frmPortControl::UpdatePortList() {
+    lists_ = ScanPortLists(lists_, *inventory_, [](const std::string& text) { ui::ShowMessage(text); });
+    ShowLists();
+    cmdSelect->setEnabled(true);
+}
+
+void frmPortControl::ShowLists() {
+    const QSignalBlocker quietDev(cmbUSBDevList);
+    const QSignalBlocker quietBoot(cmbUSBBootList);
+    Fill(*cmbUSBDevList, lists_.DevList, DevPortInfo);
+    Fill(*cmbUSBBootList, lists_.BootList, BootPortInfo);
+    txtSelPort->setText(Latin1(lists_.SelPort));
+}
+
+void frmPortControl::cmbUSBBootList_Click() {
+    txtSelPort->setText(cmbUSBBootList->currentText());
+    cmbUSBBootList_Change();
+    cmdSelect->setEnabled(true);
+}
+
+void frmPortControl::cmbUSBBootList_Change() {
+    lists_.BootList.Selected = cmbUSBBootList->currentIndex();
+    cmbUSBBootList->setToolTip(TipAt(BootPortInfo, cmbUSBBootList->currentIndex()));
+}
+
+void frmPortControl::cmbUSBDevList_Change() {
+    lists_.DevList.Selected = cmbUSBDevList->currentIndex();
+    cmbUSBDevList->setToolTip(TipAt(DevPortInfo, cmbUSBDevList->currentIndex()));
+}
+
+void frmPortControl::cmdSwitchToBoot_Click() {
+    RunSwitch([this] {
+        if (cmbUSBDevList->currentText() != QLatin1String(kNotFound)) SwitchToBoot(*MSComm1, SelectedPort(*cmbUSBDevList));
+    });
+}
+
+void frmPortControl::cmdSwitchToDev_Click() {
+    RunSwitch([this] {
+        if (cmbUSBBootList->currentText() != QLatin1String(kNotFound))
+            SwitchToRunning(*MSComm1, SelectedPort(*cmbUSBBootList), *status_,
+                            [](const std::string& answer) { ui::ShowMessage(answer); });
+    });
+}
+
+void frmPortControl::RunSwitch(const std::function<void()>& steps) {
+    if (switching_) return;
+    QPushButton* const locked[] = {cmdSwitchToBoot, cmdSwitchToDev, cmdScan, cmdSelect, cmdCancel};
+    std::vector<bool> wasEnabled;
+    for (QPushButton* button : locked) {
+        wasEnabled.push_back(button->isEnabled());
+        button->setEnabled(false);
+    }
+    switching_ = true;
+    struct Unlock {
+        frmPortControl* form;
+        ~Unlock() { form->switching_ = false; }
+    } unlock{this};
+    steps();
+    for (std::size_t i = 0; i < std::size(locked); ++i) locked[i]->setEnabled(wasEnabled[i]);
+    UpdatePortList();
+}
+
+void frmPortControl::reject() {
+    if (switching_) return;
+    txtSelPort->clear();
+    QDialog::reject();
+}
+
+}  // namespace sb
