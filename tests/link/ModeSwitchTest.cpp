@@ -1,0 +1,105 @@
+#include <gtest/gtest.h>
+
+#include "ScriptedModule.h"
+#include "link/ModeSwitch.h"
+
+namespace sb {
+namespace {
+
+const std::vector<std::string> kOpening300 = {
+    "SetCommPort(ttyACM3)",     "SetSettings(300, N, 8, 1)", "SetInputLen(0)",          "SetRThreshold(0)",
+    "SetSThreshold(0)",         "SetInBufferSize(8192)",     "SetOutBufferSize(8192)", "SetPortOpen(true)",
+};
+
+TEST(SwitchToBoot, HoldsThePortOpenAt300BaudFor500MsWithoutAByte) {
+    test::VirtualClock clock;
+    test::FakeSerialPort port;
+    const auto start = clock.Now();
+    const auto failure = SwitchToBoot(port, "ttyACM3");
+
+    EXPECT_FALSE(failure);
+    auto expected = kOpening300;
+    expected.push_back("SetPortOpen(false)");
+    EXPECT_EQ(port.calls, expected);
+    EXPECT_TRUE(port.written.empty());
+    EXPECT_EQ(port.inputReads, 0);
+    // Its one wait lies between the opening and the closing.
+    EXPECT_GT(clock.Now() - start, 500);
+}
+
+TEST(SwitchToBoot, APortThatWillNotOpenStillLetsTheWaitPassAndAnswersItsFailure) {
+    test::VirtualClock clock;
+    test::FakeSerialPort port;
+    port.failOpen = true;
+    const auto start = clock.Now();
+    const auto failure = SwitchToBoot(port, "ttyACM3");
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->reason, "No such file or directory");
+    EXPECT_GT(clock.Now() - start, 500);
+}
+
+struct RunCase {
+    const char* name;
+    bool failOpen;
+    std::function<test::Reply(const std::string&)> module;
+    std::vector<std::string> written;
+    std::vector<std::string> shown;
+    const char* status;
+};
+
+TEST(SwitchToRunning, ProbesSendsRunAndShowsWhatTheModuleSaidToIt) {
+    const RunCase cases[] = {
+        {"a module that answers",
+         false,
+         [](const std::string& line) -> test::Reply {
+             if (line == "GETSN\r") return {{0, "GETSN\r\n0001\r\n> "}, {150, "late"}};
+             return {{20, "RUN\r\nStarting\r\n"}};
+         },
+         {"GETSN\r", "RUN\r\n"},
+         {"RUN\r\nStarting\r\n"},
+         "Answer received"},
+        {"a silent module still gets RUN and an empty message",
+         false,
+         [](const std::string&) { return test::Reply{}; },
+         {"GETSN\r", "RUN\r\n"},
+         {""},
+         "No answer"},
+        {"an answer later than 200 ms is not shown",
+         false,
+         [](const std::string& line) -> test::Reply {
+             if (line == "GETSN\r") return test::Answers("GETSN", "0001");
+             return {{250, "late"}};
+         },
+         {"GETSN\r", "RUN\r\n"},
+         {""},
+         "Answer received"},
+        {"a port that will not open",
+         true,
+         [](const std::string&) { return test::Reply{}; },
+         {},
+         {},
+         "Clearing input buffer"},
+    };
+    for (const auto& c : cases) {
+        test::VirtualClock clock;
+        test::FakeSerialPort port;
+        test::RecordingStatus status;
+        test::ScriptedModule module(port, clock, c.module);
+        port.failOpen = c.failOpen;
+        std::vector<std::string> shown;
+        const auto failure =
+            SwitchToRunning(port, "ttyACM0", status, [&](const std::string& text) { shown.push_back(text); });
+
+        EXPECT_EQ(failure.has_value(), c.failOpen) << c.name;
+        EXPECT_EQ(port.written, c.written) << c.name;
+        EXPECT_EQ(shown, c.shown) << c.name;
+        EXPECT_EQ(status.Text(), c.status) << c.name;
+        EXPECT_FALSE(port.PortOpen()) << c.name;
+        if (!c.failOpen) {
+            EXPECT_EQ(port.settings, "115200, N, 8, 1") << c.name;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace sb

@@ -1,0 +1,135 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "link/PortLists.h"
+
+namespace sb {
+namespace {
+
+// An inventory from a list; it can refuse the connection or break off
+// after a number of ports.
+class ListedInventory final : public PortInventory {
+public:
+    explicit ListedInventory(std::vector<InventoryPort> ports) : ports_(std::move(ports)) {}
+    void Connect() override {
+        if (refuse) throw InventoryError(13, "Permission denied");
+    }
+    void Walk(const std::function<void(const InventoryPort&)>& visit) override {
+        for (std::size_t i = 0; i < ports_.size(); ++i) {
+            if (static_cast<int>(i) == breakAt) throw std::runtime_error("port gone");
+            visit(ports_[i]);
+        }
+    }
+    bool refuse = false;
+    int breakAt = -1;
+
+private:
+    std::vector<InventoryPort> ports_;
+};
+
+const InventoryPort kRunningA{"USB\\VID_C252&PID_1701\\A1", "ttyACM0", "Module A"};
+const InventoryPort kRunningB{"USB\\VID_C252&PID_17FF\\B1", "ttyACM1", "Module B"};
+const InventoryPort kBootA{"USB\\VID_0483&PID_5740\\A2", "ttyACM2", "Boot A"};
+const InventoryPort kBootB{"USB\\VID_0483&PID_5740\\B2", "/dev/pts/7", "Boot B"};
+const InventoryPort kOther{"USB\\VID_0483&PID_5741\\C", "ttyUSB0", "Other"};
+
+std::vector<std::string> Texts(const PortList& list) {
+    std::vector<std::string> texts;
+    for (const auto& item : list.Items) texts.push_back(item.Text);
+    return texts;
+}
+
+PortListState Scan(const PortListState& before, ListedInventory& inventory, std::vector<std::string>* reports = nullptr) {
+    return ScanPortLists(before, inventory, [reports](const std::string& text) {
+        if (reports) reports->push_back(text);
+        else ADD_FAILURE() << "unexpected report: " << text;
+    });
+}
+
+TEST(ModeOfPort, TellsTheTwoIdentitiesCaseSensitivelyRunningFirst) {
+    const struct { const char* id; ModuleMode mode; } cases[] = {
+        {"USB\\VID_C252&PID_1700\\X", ModuleMode::Running},
+        {"USB\\VID_C252&PID_17AB", ModuleMode::Running},
+        {"USB\\VID_C252&PID_1800\\X", ModuleMode::None},
+        {"USB\\VID_0483&PID_5740\\X", ModuleMode::Boot},
+        {"usb\\vid_0483&pid_5740\\x", ModuleMode::None},
+        {"USB\\VID_0483&PID_574\\X", ModuleMode::None},
+        {"VID_0483&PID_5740 VID_C252&PID_17", ModuleMode::Running},
+        {"", ModuleMode::None},
+    };
+    for (const auto& c : cases) EXPECT_EQ(ModeOfPort(c.id), c.mode) << c.id;
+}
+
+TEST(ScanPortLists, SortsPortsIntoTheTwoListsInTheOrderTheInventoryGivesThem) {
+    ListedInventory inventory({kBootB, kRunningA, kOther, kBootA, kRunningB});
+    const auto lists = Scan({}, inventory);
+    EXPECT_EQ(Texts(lists.DevList), (std::vector<std::string>{"ttyACM0", "ttyACM1"}));
+    EXPECT_EQ(Texts(lists.BootList), (std::vector<std::string>{"/dev/pts/7", "ttyACM2"}));
+    EXPECT_EQ(lists.BootList.Items[1].Port, "ttyACM2");
+    EXPECT_EQ(lists.BootList.Items[1].Info, "Boot A");
+    EXPECT_EQ(lists.DevList.Selected, 0);
+    EXPECT_EQ(lists.BootList.Selected, 0);
+    EXPECT_EQ(lists.SelPort, "/dev/pts/7");
+}
+
+TEST(ScanPortLists, PutsNotFoundIntoAListWithoutPorts) {
+    ListedInventory inventory({kOther});
+    const auto lists = Scan({}, inventory);
+    for (const PortList* list : {&lists.DevList, &lists.BootList}) {
+        ASSERT_EQ(list->Items.size(), 1u);
+        EXPECT_EQ(list->Items[0].Text, "Not Found");
+        EXPECT_EQ(list->Items[0].Port, "");
+        EXPECT_EQ(list->Items[0].Info, "");
+        EXPECT_EQ(list->Selected, 0);
+    }
+    EXPECT_EQ(lists.SelPort, "Not Found");
+}
+
+TEST(ScanPortLists, KeepsASelectedPortThatIsStillThereElseTakesTheFirst) {
+    ListedInventory both({kRunningA, kRunningB, kBootA, kBootB});
+    auto lists = Scan({}, both);
+    lists.DevList.Selected = 1;
+    lists.BootList.Selected = 1;
+    lists = Scan(lists, both);
+    EXPECT_EQ(lists.DevList.SelectedText(), "ttyACM1");
+    EXPECT_EQ(lists.BootList.SelectedText(), "/dev/pts/7");
+    EXPECT_EQ(lists.SelPort, "/dev/pts/7");
+
+    // Module B went from the running list to the boot list.
+    ListedInventory moved({kRunningA, kBootA, kBootB, InventoryPort{kBootA.PNPDeviceID, "ttyACM5", "B in boot"}});
+    lists = Scan(lists, moved);
+    EXPECT_EQ(lists.DevList.SelectedText(), "ttyACM0");
+    EXPECT_EQ(lists.SelPort, "/dev/pts/7");
+}
+
+TEST(ScanPortLists, ReportsAnUnreachableInventoryInThreeLinesAndShowsNoPort) {
+    ListedInventory inventory({kRunningA, kBootA});
+    auto lists = Scan({}, inventory);
+    inventory.refuse = true;
+    std::vector<std::string> reports;
+    lists = Scan(lists, inventory, &reports);
+    EXPECT_EQ(reports, std::vector<std::string>{
+                           "Error occured during device searching\r\nError Number: 13\r\nDescription: Permission denied"});
+    EXPECT_EQ(Texts(lists.DevList), std::vector<std::string>{"Not Found"});
+    EXPECT_EQ(lists.SelPort, "Not Found");
+}
+
+TEST(ScanPortLists, KeepsWhatItFoundWhenTheWalkBreaksOffWithoutReport) {
+    ListedInventory inventory({kBootA, kRunningA, kBootB});
+    inventory.breakAt = 2;
+    const auto lists = Scan({}, inventory);
+    EXPECT_EQ(Texts(lists.BootList), std::vector<std::string>{"ttyACM2"});
+    EXPECT_EQ(Texts(lists.DevList), std::vector<std::string>{"ttyACM0"});
+}
+
+TEST(NamesPort, AcceptsAnyNameButEmptyAndNotFound) {
+    EXPECT_TRUE(NamesPort("ttyACM0"));
+    EXPECT_TRUE(NamesPort("/dev/pts/3"));
+    EXPECT_TRUE(NamesPort("COM7"));
+    EXPECT_FALSE(NamesPort(""));
+    EXPECT_FALSE(NamesPort("Not Found"));
+}
+
+}  // namespace
+}  // namespace sb
