@@ -48,7 +48,9 @@ void SetLine(termios& tio, const PortSettings& settings) {
         default: break;
     }
     if (settings.StopBits == 2) tio.c_cflag |= CSTOPB;
-    tio.c_cc[VMIN] = 0;
+    // With VMIN 0 a read of a quiet line ends in 0 like a hang-up does; with 1
+    // it ends in EAGAIN, and 0 is left to mean that the device has gone.
+    tio.c_cc[VMIN] = 1;
     tio.c_cc[VTIME] = 0;
     const speed_t speed = SpeedOf(settings.BaudRate);
     ::cfsetispeed(&tio, speed);
