@@ -1,0 +1,21 @@
+#pragma once
+#include <cstdint>
+#include <string>
+
+#include "config/Types.h"
+
+namespace sb {
+
+// Parses device.InfoFile, the catalog document, into device.Options and
+// device.PredefCfgs, which it empties first. False when the catalog is
+// refused; the record then holds what was read up to that point, and
+// callers drop it. parserReason receives the parser's reason when the
+// document is not well-formed, and is empty after every other outcome: the
+// caller shows it (when there is one) before its own message.
+bool LoadCatalog(DeviceInfo& device, std::string& parserReason);
+
+// The index of the first predefined configuration whose Id equals id
+// exactly, or -1.
+int32_t FindPredefCfgById(const DeviceInfo& device, const std::string& id);
+
+}  // namespace sb

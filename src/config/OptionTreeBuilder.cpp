@@ -1,0 +1,142 @@
+// The option tree of an image: root = the configuration the image's Id
+// names, one node per visible option, one per list entry or member below.
+// The same configuration again means an update in place: the walk along
+// Child and Next meets the nodes in the order of the loops, for with the
+// same root the same options are visible and the same entries exist.
+#include <optional>
+
+#include "config/Catalog.h"
+#include "config/ConfigTool.h"
+#include "helpers/BitMasks.h"
+#include "helpers/HexText.h"
+#include "helpers/Overflow.h"
+
+namespace sb {
+namespace {
+
+std::string ConfigurationKey(int32_t index) { return "CONFIGURATION" + Uint32ToHex(index); }
+std::string OptionKey(int32_t option) { return "OPTION" + Uint32ToHex(option); }
+std::string ValueKey(int32_t option, int32_t entry) { return OptionKey(option) + "_VALUE" + Uint32ToHex(entry); }
+
+bool IsListType(const std::string& type) { return type == "INT" || type == "BIN" || type == "STR"; }
+
+// A member is on when the value under its mask equals its pattern; a mask
+// or value beyond the helpers' limits matches nothing.
+bool MemberIsOn(const std::string& value, const OptValue& member) {
+    try {
+        return HexAnd(value, member.Mask) == member.Value;
+    } catch (const OverflowError&) {
+        return false;
+    }
+}
+
+// Whether the entry names the value, by the rule of the option's type.
+bool EntryMatches(const std::string& type, const OptValue& entry, const std::string& value) {
+    return type == "BITFIELD" ? MemberIsOn(value, entry) : entry.Value == value;
+}
+
+// A node's colour tells its relation to the configuration: locked options
+// red; of a locked option the fixed value red and the others gray; of a
+// free one the configuration's own value blue and the others black.
+uint32_t ValueColor(bool locked, bool configurationsOwn) {
+    if (locked) return configurationsOwn ? kColorRed : kColorGrayText;
+    return configurationsOwn ? kColorBlue : kColorBlack;
+}
+
+class TreeBuild {
+public:
+    TreeBuild(const std::string& image, const DeviceInfo& device, const PredefCfg& cfg, OptionTree& tree)
+        : image_(image), device_(device), cfg_(cfg), tree_(tree) {}
+
+    // The root of the configuration; a root of another one goes, with all
+    // below it. Nullptr when the tree refuses the root.
+    TreeNode* Root(int32_t index) {
+        const std::string key = ConfigurationKey(index);
+        if (TreeNode* root = tree_.Find(key)) return root;
+        tree_.Clear();
+        TreeNode* root = tree_.Add(nullptr, key, cfg_.Name);
+        if (root) {
+            root->SetTag(Uint32ToHex(index));
+            root->SetExpanded(true);
+        }
+        return root;
+    }
+
+    void Options(TreeNode& root) {
+        TreeNode* optNode = root.Child();
+        const auto& options = device_.Options.Items;
+        for (size_t i = 0; i < options.size(); ++i) {
+            const auto index = static_cast<int32_t>(i);
+            if (!TestBit(cfg_.VisibleMask, index, 1)) continue;
+            if (!optNode) optNode = tree_.Add(&root, OptionKey(index), "");
+            // A node the tree refuses is skipped; the walk goes on.
+            if (!optNode) continue;
+            Option(index, options[i], *optNode);
+            optNode = optNode->Next();
+        }
+    }
+
+private:
+    void Option(int32_t index, const OptionRec& option, TreeNode& optNode) {
+        std::string shown;
+        const std::string raw = GetOptionValue(image_, option, shown);
+        optNode.SetText(option.Name + ":" + shown);
+        optNode.SetTag(raw);
+        const bool locked = TestBit(cfg_.DisabledMask, index, 1);
+        optNode.SetForeColor(locked ? kColorRed : kColorBlack);
+        if (!IsListType(option.Type) && option.Type != "BITFIELD") return;
+
+        // The configuration's own value, needed only for nodes yet to make.
+        std::optional<std::string> own;
+        TreeNode* valNode = optNode.Child();
+        const auto& entries = option.Values.Items;
+        for (size_t j = 0; j < entries.size(); ++j) {
+            const OptValue& entry = entries[j];
+            if (!valNode) {
+                if (!own) own = GetOptionValue(cfg_.Data, option, shown);
+                valNode = NewValueNode(optNode, ValueKey(index, static_cast<int32_t>(j)), entry, option.Type,
+                                       *own, locked);
+            }
+            if (!valNode) continue;
+            const bool on = IsListType(option.Type) ? valNode->Tag() == optNode.Tag()
+                                                    : MemberIsOn(optNode.Tag(), entry);
+            valNode->SetChecked(on);
+            valNode->SetBold(on);
+            valNode = valNode->Next();
+        }
+    }
+
+    // Text, tag and colour of a value node follow from the catalog and the
+    // configuration alone, so they are set once, when the node is made.
+    TreeNode* NewValueNode(TreeNode& optNode, const std::string& key, const OptValue& entry, const std::string& type,
+                           const std::string& own, bool locked) {
+        TreeNode* valNode = tree_.Add(&optNode, key, entry.Text);
+        if (valNode) {
+            valNode->SetTag(entry.Value);
+            valNode->SetForeColor(ValueColor(locked, EntryMatches(type, entry, own)));
+        }
+        return valNode;
+    }
+
+    const std::string& image_;
+    const DeviceInfo& device_;
+    const PredefCfg& cfg_;
+    OptionTree& tree_;
+};
+
+}  // namespace
+
+bool BuildOptionTree(const std::string& image, const DeviceInfo& device, OptionTree& tree) {
+    // Missing bytes of a short image count as zero bytes.
+    const std::string id = Uint32ToHex(BytesToUint32(image.substr(0, 4)));
+    const int32_t index = FindPredefCfgById(device, id);
+    if (index < 0) {
+        tree.Clear();
+        return false;
+    }
+    TreeBuild build(image, device, device.PredefCfgs.Items[static_cast<size_t>(index)], tree);
+    if (TreeNode* root = build.Root(index)) build.Options(*root);
+    return true;
+}
+
+}  // namespace sb
