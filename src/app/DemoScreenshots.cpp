@@ -1,0 +1,87 @@
+#include "app/DemoScreenshots.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include "helpers/HexText.h"
+#include "helpers/Waiting.h"
+#include "ui/Latin1.h"
+#include "ui/MessageBox.h"
+#include "ui/ModalDialog.h"
+
+namespace sb::ui {
+namespace {
+
+constexpr double kSettleMs = 300;
+
+class Camera {
+public:
+    explicit Camera(const QString& folder) : folder_(folder) { QDir().mkpath(folder_); }
+
+    void Take(QWidget& widget, const QString& name) {
+        WaitMs(kSettleMs);  // laid out and painted
+        const QString path = QDir(folder_).filePath(name + QStringLiteral(".png"));
+        if (!widget.grab().save(path)) failed_ = true;
+    }
+    bool Failed() const { return failed_; }
+
+private:
+    QString folder_;
+    bool failed_ = false;
+};
+
+// A modal form as the technician sees it; then the button that ends it.
+void Photograph(Camera& camera, QDialog& dialog) {
+    dialog.show();
+    camera.Take(dialog, dialog.objectName());
+    const char* end = dialog.objectName() == QLatin1String("frmPortControl") ? "cmdSelect" : "cmdCancel";
+    if (auto* button = dialog.findChild<QPushButton*>(QLatin1String(end))) button->click();
+    dialog.hide();
+}
+
+// Opens the value edit form of the first visible option of this type that
+// has no list, through a double click on its node.
+void EditFirstOfType(frmDeviceCofigurator& form, const std::string& type) {
+    const DeviceInfo& device = form.Device();
+    for (int32_t i = 0; i < device.Options.Count(); ++i) {
+        const OptionRec& option = device.Options.Items[static_cast<size_t>(i)];
+        if (option.Type != type || option.Values.Count() > 0) continue;
+        TreeNode* node = form.Tree().Find("OPTION" + Uint32ToHex(i));
+        if (!node) continue;
+        form.Tree().SetSelectedItem(node);
+        emit form.tvOptions->dblClick();
+        return;
+    }
+}
+
+}  // namespace
+
+int TakeDemoScreenshots(frmDeviceCofigurator& form, const QString& folder) {
+    Camera camera(folder);
+    int messages = 0;
+    SetMessageHandler([&](const std::string& text, MessageButtons) {
+        QMessageBox box(QMessageBox::NoIcon, QApplication::applicationDisplayName(), Latin1(text));
+        box.show();
+        camera.Take(box, QStringLiteral("message-%1").arg(++messages));
+        return MessageAnswer::Ok;
+    });
+    SetModalHandler([&](QDialog& dialog) { Photograph(camera, dialog); });
+
+    camera.Take(form, QStringLiteral("main-start"));
+    form.cmdRdDevInfo->click();
+    // The first option's list open, so that entries and their states show.
+    if (TreeNode* first = form.Tree().Find("OPTION00000000")) form.Tree().ItemOf(*first)->setExpanded(true);
+    camera.Take(form, QStringLiteral("main"));
+    for (const char* type : {"INT", "BIN", "STR"}) EditFirstOfType(form, type);
+    form.mnuOfflineRead->trigger();
+    camera.Take(form, QStringLiteral("main-offline"));
+
+    SetModalHandler({});
+    SetMessageHandler({});
+    form.close();
+    return camera.Failed() ? 1 : 0;
+}
+
+}  // namespace sb::ui

@@ -1,0 +1,51 @@
+// The list of whole configurations, "Select", and txtCfgEdited: the view of
+// the working image that every edit ends in.
+#include "config/ConfigTool.h"
+#include "editing/ConfigList.h"
+#include "helpers/HexText.h"
+#include "mainscreen/frmDeviceCofigurator.h"
+#include "ui/Latin1.h"
+#include "ui/MessageBox.h"
+
+namespace sb::ui {
+namespace {
+constexpr const char* kSomethingWrong = "Something wrong";
+}
+
+void frmDeviceCofigurator::cmbConfigList_Click() {
+    // Only the description changes; the image waits for "Select".
+    const ConfigInfoView view = InfoOfEntry(device_, cmbConfigList->currentIndex(), cmbConfigList->count());
+    txtConfigInfo->setText(Latin1(view.Info));
+    lblShortInfoCfgName->setText(Latin1(view.Caption));
+}
+
+void frmDeviceCofigurator::cmbConfigList_Validate() {
+    const int index = cmbConfigList->currentIndex();
+    if (index < 0 || index >= cmbConfigList->count() || index >= device_.PredefCfgs.Count()) return;
+    txtConfigInfo->setText(Latin1(device_.PredefCfgs.Items[index].Info));
+}
+
+void frmDeviceCofigurator::cmdSelPredefCfg_Click() {
+    // Typing in the list's edit field keeps its selection, so there is
+    // always an entry to apply once the button is enabled.
+    const int index = cmbConfigList->currentIndex();
+    if (index < 0 || index >= device_.PredefCfgs.Count()) return;
+    // The whole image at once; earlier edits are not merged in.
+    device_.CfgImage = device_.PredefCfgs.Items[index].Data;
+    SetCfgEdited(BytesToHex(device_.CfgImage));
+}
+
+void frmDeviceCofigurator::SetCfgEdited(const std::string& text) {
+    if (text == cfgEditedText_) return;
+    cfgEditedText_ = text;
+    txtCfgEdited->setPlainText(Latin1(text));
+    txtCfgEdited_Change();
+}
+
+void frmDeviceCofigurator::txtCfgEdited_Change() {
+    txtCfgEditedDataChanged_ = true;
+    // The tree always shows the image, never the box's text.
+    if (!BuildOptionTree(device_.CfgImage, device_, *tree_)) ShowMessage(kSomethingWrong);
+}
+
+}  // namespace sb::ui

@@ -1,0 +1,188 @@
+#include "mainscreen/QtOptionTree.h"
+
+#include <QBrush>
+#include <QFont>
+#include <QPalette>
+
+#include "ui/Latin1.h"
+
+namespace sb::ui {
+namespace {
+
+constexpr uint32_t kSystemColor = 0x80000000;
+constexpr uint32_t kSystemGrayText = 0x11;
+
+// Colour numbers hold red in the low byte and blue in the high byte; a
+// number with the top bit set names a colour of the system.
+QColor ColorOf(uint32_t value, const QPalette& palette) {
+    if (value & kSystemColor) {
+        if ((value & 0xFF) == kSystemGrayText) return palette.color(QPalette::Disabled, QPalette::Text);
+        return palette.color(QPalette::Active, QPalette::Text);
+    }
+    return QColor(static_cast<int>(value & 0xFF), static_cast<int>((value >> 8) & 0xFF),
+                  static_cast<int>((value >> 16) & 0xFF));
+}
+
+}  // namespace
+
+// The tree's own writes: itemChanged during them is no click.
+struct QtOptionTree::Writing {
+    explicit Writing(QtOptionTree& tree) : tree_(tree) { ++tree_.writing_; }
+    ~Writing() { --tree_.writing_; }
+    Writing(const Writing&) = delete;
+    Writing& operator=(const Writing&) = delete;
+
+private:
+    QtOptionTree& tree_;
+};
+
+class QtOptionTree::Node final : public TreeNode {
+public:
+    Node(QtOptionTree& tree, QTreeWidgetItem* item, Node* parent, std::string key)
+        : tree_(tree), item_(item), parent_(parent), key_(std::move(key)) {}
+
+    TreeNode* Child() override { return firstChild_; }
+    TreeNode* Next() override { return next_; }
+
+    std::string Text() const override { return Bytes(item_->text(0)); }
+    void SetText(const std::string& text) override {
+        const QString shown = Latin1(text);
+        if (item_->text(0) == shown) return;
+        Writing writing(tree_);
+        item_->setText(0, shown);
+    }
+
+    std::string Tag() const override {
+        const QByteArray tag = item_->data(0, kTagRole).toByteArray();
+        return std::string(tag.constData(), static_cast<size_t>(tag.size()));
+    }
+    void SetTag(const std::string& tag) override {
+        const QByteArray bytes(tag.data(), static_cast<qsizetype>(tag.size()));
+        const QVariant old = item_->data(0, kTagRole);
+        if (old.isValid() && old.toByteArray() == bytes) return;
+        Writing writing(tree_);
+        item_->setData(0, kTagRole, bytes);
+    }
+
+    void SetExpanded(bool expanded) override {
+        Writing writing(tree_);
+        item_->setExpanded(expanded);
+    }
+
+    void SetForeColor(uint32_t color) override {
+        const QVariant old = item_->data(0, kColorRole);
+        if (old.isValid() && old.toUInt() == color) return;
+        Writing writing(tree_);
+        item_->setData(0, kColorRole, color);
+        item_->setForeground(0, QBrush(ColorOf(color, tree_.view_.palette())));
+    }
+
+    void SetChecked(bool checked) override {
+        const Qt::CheckState state = checked ? Qt::Checked : Qt::Unchecked;
+        if (item_->checkState(0) == state) return;
+        Writing writing(tree_);
+        item_->setCheckState(0, state);
+    }
+
+    void SetBold(bool bold) override {
+        QFont font = item_->font(0);
+        if (font.bold() == bold) return;
+        font.setBold(bold);
+        Writing writing(tree_);
+        item_->setFont(0, font);
+    }
+
+    void Append(Node* child) {
+        if (lastChild_)
+            lastChild_->next_ = child;
+        else
+            firstChild_ = child;
+        lastChild_ = child;
+        ++children_;
+    }
+
+    QtOptionTree& tree_;
+    QTreeWidgetItem* item_;
+    Node* parent_;
+    std::string key_;
+    Node* firstChild_ = nullptr;
+    Node* lastChild_ = nullptr;
+    Node* next_ = nullptr;
+    int children_ = 0;
+};
+
+QtOptionTree::QtOptionTree(QTreeWidget& view) : view_(view) {
+    itemChanged_ = QObject::connect(&view_, &QTreeWidget::itemChanged, &view_, [this](QTreeWidgetItem* item, int) {
+        if (writing_ > 0 || !onNodeCheck) return;
+        if (TreeNode* node = NodeOf(item)) onNodeCheck(*node);
+    });
+}
+
+QtOptionTree::~QtOptionTree() { QObject::disconnect(itemChanged_); }
+
+void QtOptionTree::Clear() {
+    Writing writing(*this);
+    view_.clear();
+    byItem_.clear();
+    byKey_.clear();
+}
+
+TreeNode* QtOptionTree::Find(const std::string& key) {
+    const auto found = byKey_.find(key);
+    return found == byKey_.end() ? nullptr : found->second.get();
+}
+
+TreeNode* QtOptionTree::Add(TreeNode* relative, const std::string& key, const std::string& text) {
+    // A key stands for one node: a second node of the same key is refused.
+    if (byKey_.count(key)) return nullptr;
+    Node* parent = relative ? static_cast<Node*>(relative) : nullptr;
+
+    auto* item = new QTreeWidgetItem;
+    item->setText(0, Latin1(text));
+    item->setData(0, kKeyRole, Latin1(key));
+    item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
+    item->setCheckState(0, Qt::Unchecked);
+
+    auto node = std::make_unique<Node>(*this, item, parent, key);
+    Node* added = node.get();
+    {
+        Writing writing(*this);
+        if (parent) {
+            parent->item_->addChild(item);
+            parent->Append(added);
+        } else {
+            view_.addTopLevelItem(item);
+        }
+    }
+    byItem_[item] = added;
+    byKey_[key] = std::move(node);
+    return added;
+}
+
+TreeNode* QtOptionTree::SelectedItem() {
+    QTreeWidgetItem* current = view_.currentItem();
+    return current && current->isSelected() ? NodeOf(current) : nullptr;
+}
+
+void QtOptionTree::SetSelectedItem(TreeNode* node) {
+    if (!node) {
+        view_.clearSelection();
+        view_.setCurrentItem(nullptr);
+        return;
+    }
+    view_.setCurrentItem(static_cast<Node*>(node)->item_);
+}
+
+std::string QtOptionTree::KeyOf(TreeNode& node) { return static_cast<Node&>(node).key_; }
+TreeNode* QtOptionTree::ParentOf(TreeNode& node) { return static_cast<Node&>(node).parent_; }
+int QtOptionTree::ChildrenOf(TreeNode& node) { return static_cast<Node&>(node).children_; }
+bool QtOptionTree::CheckedOf(TreeNode& node) { return static_cast<Node&>(node).item_->checkState(0) == Qt::Checked; }
+
+TreeNode* QtOptionTree::NodeOf(QTreeWidgetItem* item) {
+    const auto found = byItem_.find(item);
+    return found == byItem_.end() ? nullptr : found->second;
+}
+
+QTreeWidgetItem* QtOptionTree::ItemOf(TreeNode& node) { return static_cast<Node&>(node).item_; }
+
+}  // namespace sb::ui

@@ -1,0 +1,178 @@
+#pragma once
+#include <QAction>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QStatusBar>
+#include <memory>
+#include <string>
+
+#include "config/Types.h"
+#include "editing/TreeEvents.h"
+#include "editing/ValueEditForms.h"
+#include "link/SerialPort.h"
+#include "link/frmPortControl.h"
+#include "mainscreen/OptionTreeView.h"
+#include "mainscreen/QtOptionTree.h"
+#include "ui/StatusBarText.h"
+
+namespace sb::ui {
+
+// "Device Info": the screen with which the program starts and ends. "Read
+// info" lets the technician pick a module in boot mode, reads what it says
+// about itself and takes its catalog and configuration in; the option tree
+// and the list of configurations edit the working image CfgImage, and
+// "Write" sends it back. The offline run fills the screen from
+// ConfigOptions.xml without a module.
+//
+// Every action on a module opens the port only for its own length and, on
+// every road, closes it again and enables its controls. The waits of an
+// action run the event loop, so the window stays movable and closable: a
+// close during an action lets it wind down quickly (the port is closed under
+// it) and unloads the program's forms when it has ended.
+class frmDeviceCofigurator final : public QMainWindow {
+    Q_OBJECT
+public:
+    // configOptionsPath: the catalog file of the offline run; empty for the
+    // program's own place of ConfigOptions.xml.
+    explicit frmDeviceCofigurator(std::string configOptionsPath = {}, QWidget* parent = nullptr);
+    ~frmDeviceCofigurator() override;
+
+    // The record of the module last read, with its catalog and CfgImage.
+    const DeviceInfo& Device() const { return device_; }
+    frmPortControl& PortControl() { return *portControl_; }
+    ValueEditForms& EditForms() { return editForms_; }
+    QtOptionTree& Tree() { return *tree_; }
+    SerialPort& ComPort() { return *MSComm1; }
+    const std::string& ConfigOptionsPath() const { return configOptionsPath_; }
+
+    // Top level of the form.
+    QPushButton* cmdRdDevInfo;
+    QPushButton* Command1;  // the offline run; hidden, reached through the Tools menu
+    QPushButton* cmdFWUpdate;
+    QPushButton* cmdWriteConfig;
+    QComboBox* cmbConfigList;
+    OptionTreeView* tvOptions;
+    QLabel* Label3;
+    QPlainTextEdit* txtCfgEdited;
+    QStatusBar* StatusBar;
+    std::unique_ptr<SerialPort> MSComm1;
+    QMenu* mnuTools;
+    QAction* mnuEditor;
+    QAction* mnuOfflineRead;
+
+    // "Module info".
+    QGroupBox* Frame6;
+    QLabel* Label4;
+    QLineEdit* txtSN;
+    QLabel* Label5;
+    QLineEdit* txtPDate;
+    QLabel* Label6;
+    QLineEdit* txtPVer;
+    QLabel* Label7;
+    QLineEdit* txtPName;
+    QLabel* Label8;
+    QLineEdit* txtVIN;
+
+    // "Firmware info".
+    QGroupBox* Frame7;
+    QLabel* Label9;
+    QLineEdit* txtFWName;
+    QLabel* Label10;
+    QLineEdit* txtFWVer;
+    QLabel* Label11;
+    QLineEdit* txtHWVer;
+    QLabel* Label12;
+    QPlainTextEdit* txtAppInfo;
+
+    // "Module configuration".
+    QGroupBox* Frame5;
+    QLabel* Label2;
+    QPushButton* cmdSelPredefCfg;
+    QLabel* lblShortInfoCfgName;
+    QLineEdit* txtConfigInfo;
+    QLabel* Label1;
+    QPlainTextEdit* txtAppConfig;
+
+    void cmdRdDevInfo_Click();
+    void cmdWriteConfig_Click();
+    void Command1_Click();
+    void cmdFWUpdate_Click();
+    void cmdSelPredefCfg_Click();
+    void cmbConfigList_Click();
+    void cmbConfigList_Validate();
+
+    // The text of txtCfgEdited as the program set it.
+    const std::string& CfgEditedText() const { return cfgEditedText_; }
+    bool Busy() const { return busy_ > 0; }
+
+signals:
+    // The main screen and the program's other forms are unloaded: the
+    // program ends.
+    void unloaded();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    // Marks an action on a module for its length. A close of the window
+    // during it closes the port, so that the action winds down at once, and
+    // leaves the unload to the action's end.
+    class BusyAction {
+    public:
+        explicit BusyAction(frmDeviceCofigurator& form);
+        ~BusyAction();
+        BusyAction(const BusyAction&) = delete;
+        BusyAction& operator=(const BusyAction&) = delete;
+
+    private:
+        frmDeviceCofigurator& form_;
+    };
+
+    void BuildControls();
+    void LayOutControls();
+    void ConnectEvents();
+
+    // An action's steps up to and including the opening of the port: false
+    // when no port was opened (with errorCaption, and the system's reason,
+    // for a failing port; with noPortMessage, if any, when none was chosen).
+    bool OpenChosenPort(const char* errorCaption, const char* noPortMessage);
+    void ClosePortQuietly();
+
+    void ReadOpenModule();
+    void ClearPreviousRead();
+    void ShowModuleTexts(const DeviceInfo& info, bool withAppInfo);
+    void ConfigurationAfterRead(DeviceInfo& local);
+    bool LoadCatalogOrSay(DeviceInfo& local);
+    void TakeCatalogIn(DeviceInfo& local);
+    void FillConfigList(const DeviceInfo& info);
+    void WriteToOpenModule();
+
+    // The only way to change txtCfgEdited: the box's change logic runs when
+    // the text really changes.
+    void SetCfgEdited(const std::string& text);
+    void txtCfgEdited_Change();
+
+    void Unload();
+
+    std::string configOptionsPath_;
+    DeviceInfo device_;
+    std::unique_ptr<StatusBarText> status_;
+    std::unique_ptr<frmPortControl> portControl_;
+    ValueEditForms editForms_;
+    std::unique_ptr<QtOptionTree> tree_;
+    std::unique_ptr<TreeEvents> events_;
+    std::string cfgEditedText_;
+    bool txtCfgEditedDataChanged_ = false;
+    int busy_ = 0;
+    bool closeRequested_ = false;
+    bool unloaded_ = false;
+};
+
+}  // namespace sb::ui
