@@ -78,11 +78,11 @@ TEST_F(OptionEditing, TreeShowsTheImageUnderItsConfigurationsMasks) {
     }
     // Every node carries a check box.
     EXPECT_EQ(screen.Item("OPTION00000001")->flags() & Qt::ItemIsUserCheckable, Qt::ItemIsUserCheckable);
-    // The build's own ticks are no clicks: a mouse release changes nothing.
-    QWidget* viewport = screen.form.tvOptions->viewport();
-    ClickAt(viewport, QPoint(5, viewport->height() - 5));
-    EXPECT_FALSE(screen.form.Device().CfgImage.empty());
+    // The build's own ticks are no clicks, and a click on a node's text,
+    // away from its box, changes nothing.
+    screen.ClickText("OPTION00000002_VALUE00000000");
     EXPECT_EQ(screen.CfgEdited(), kModuleImage);
+    EXPECT_TRUE(screen.On("OPTION00000002_VALUE00000001"));
 }
 
 TEST_F(OptionEditing, ListEntryReplacesTheTickedOne) {

@@ -146,16 +146,18 @@ void Screen::ClickBox(const std::string& key) {
     ClickAt(view->viewport(), box.center());
 }
 
-void Screen::DoubleClick(const std::string& key) {
+QPoint Screen::TextOf(const std::string& key) {
     QTreeWidgetItem* item = Item(key);
     for (QTreeWidgetItem* up = item->parent(); up; up = up->parent()) up->setExpanded(true);
     QTreeWidget* view = form.tvOptions;
     view->scrollToItem(item);
     QApplication::processEvents();
     const QRect row = view->visualItemRect(item);
-    // On the text, well right of the check box.
-    const QPoint at(row.left() + row.width() / 2, row.center().y());
-    DoubleClickAt(view->viewport(), at);
+    // Well right of the check box.
+    return {row.left() + row.width() / 2, row.center().y()};
 }
+
+void Screen::ClickText(const std::string& key) { ClickAt(form.tvOptions->viewport(), TextOf(key)); }
+void Screen::DoubleClick(const std::string& key) { DoubleClickAt(form.tvOptions->viewport(), TextOf(key)); }
 
 }  // namespace sb::test

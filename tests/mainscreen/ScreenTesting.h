@@ -71,8 +71,13 @@ struct Screen {
 
     // A real mouse click on the check box of a node, expanded into view.
     void ClickBox(const std::string& key);
+    // A click on the node's text, away from its box.
+    void ClickText(const std::string& key);
     // Selects the node and double-clicks it.
     void DoubleClick(const std::string& key);
+
+private:
+    QPoint TextOf(const std::string& key);
 };
 
 }  // namespace sb::test
