@@ -9,11 +9,18 @@ function(sb_add_test name)
   endif()
   add_executable(${name} ${T_SOURCES})
   target_link_libraries(${name} PRIVATE ${T_LIBS} sb_test_support GTest::gtest GTest::gmock GTest::gtest_main)
+  # gtest_discover_tests hands PROPERTIES on as one flat list, so an
+  # ENVIRONMENT of several variables would keep only the first. The tests
+  # run under env(1) instead, which sets them all and then becomes the test.
+  set_property(TARGET ${name} PROPERTY CROSSCOMPILING_EMULATOR env
+    "QT_QPA_PLATFORM=offscreen"
+    "SERVICEBAY_REGISTRY=${CMAKE_BINARY_DIR}/test-registry/${name}"
+    "SB_BIN_DIR=${CMAKE_BINARY_DIR}/bin"
+    "SB_SOURCE_DIR=${CMAKE_SOURCE_DIR}")
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
     PROPERTIES
       LABELS ${T_LABEL}
-      TIMEOUT ${T_TIMEOUT}
-      ENVIRONMENT "QT_QPA_PLATFORM=offscreen;SERVICEBAY_REGISTRY=${CMAKE_BINARY_DIR}/test-registry/${name};SB_BIN_DIR=${CMAKE_BINARY_DIR}/bin;SB_SOURCE_DIR=${CMAKE_SOURCE_DIR}")
+      TIMEOUT ${T_TIMEOUT})
 endfunction()
