@@ -9,8 +9,24 @@
 
 namespace sb::ui {
 namespace {
+
 constexpr const char* kSomethingWrong = "Something wrong";
+constexpr size_t kDigitsPerRow = 64;
+
+// The box shows the hex text in rows of 32 bytes: easier to read, and a box
+// of many short lines lays out only what is in view, where one line of
+// 32,000 digits would be laid out whole after every click in the tree.
+QString InRows(const std::string& hex) {
+    std::string rows;
+    rows.reserve(hex.size() + hex.size() / kDigitsPerRow + 1);
+    for (size_t at = 0; at < hex.size(); at += kDigitsPerRow) {
+        if (at > 0) rows += '\n';
+        rows.append(hex, at, kDigitsPerRow);
+    }
+    return Latin1(rows);
 }
+
+}  // namespace
 
 void frmDeviceCofigurator::cmbConfigList_Click() {
     // Only the description changes; the image waits for "Select".
@@ -38,7 +54,7 @@ void frmDeviceCofigurator::cmdSelPredefCfg_Click() {
 void frmDeviceCofigurator::SetCfgEdited(const std::string& text) {
     if (text == cfgEditedText_) return;
     cfgEditedText_ = text;
-    txtCfgEdited->setPlainText(Latin1(text));
+    txtCfgEdited->setPlainText(InRows(text));
     txtCfgEdited_Change();
 }
 

@@ -3,6 +3,7 @@
 #include <QBrush>
 #include <QFont>
 #include <QPalette>
+#include <optional>
 
 #include "ui/Latin1.h"
 
@@ -52,16 +53,15 @@ public:
         item_->setText(0, shown);
     }
 
-    std::string Tag() const override {
-        const QByteArray tag = item_->data(0, kTagRole).toByteArray();
-        return std::string(tag.constData(), static_cast<size_t>(tag.size()));
-    }
+    // The tag lives in its item role; a copy here spares the conversion
+    // on the many reads of a rebuild.
+    std::string Tag() const override { return tag_; }
     void SetTag(const std::string& tag) override {
-        const QByteArray bytes(tag.data(), static_cast<qsizetype>(tag.size()));
-        const QVariant old = item_->data(0, kTagRole);
-        if (old.isValid() && old.toByteArray() == bytes) return;
+        if (hasTag_ && tag_ == tag) return;
+        tag_ = tag;
+        hasTag_ = true;
         Writing writing(tree_);
-        item_->setData(0, kTagRole, bytes);
+        item_->setData(0, kTagRole, QByteArray(tag.data(), static_cast<qsizetype>(tag.size())));
     }
 
     void SetExpanded(bool expanded) override {
@@ -70,10 +70,9 @@ public:
     }
 
     void SetForeColor(uint32_t color) override {
-        const QVariant old = item_->data(0, kColorRole);
-        if (old.isValid() && old.toUInt() == color) return;
+        if (color_ == color) return;
+        color_ = color;
         Writing writing(tree_);
-        item_->setData(0, kColorRole, color);
         item_->setForeground(0, QBrush(ColorOf(color, tree_.view_.palette())));
     }
 
@@ -85,8 +84,9 @@ public:
     }
 
     void SetBold(bool bold) override {
+        if (bold_ == bold) return;
+        bold_ = bold;
         QFont font = item_->font(0);
-        if (font.bold() == bold) return;
         font.setBold(bold);
         Writing writing(tree_);
         item_->setFont(0, font);
@@ -109,6 +109,10 @@ public:
     Node* lastChild_ = nullptr;
     Node* next_ = nullptr;
     int children_ = 0;
+    std::string tag_;
+    bool hasTag_ = false;
+    std::optional<uint32_t> color_;
+    bool bold_ = false;
 };
 
 QtOptionTree::QtOptionTree(QTreeWidget& view) : view_(view) {

@@ -21,7 +21,6 @@ class QtOptionTree final : public EditTree {
 public:
     static constexpr int kKeyRole = Qt::UserRole;      // QString
     static constexpr int kTagRole = Qt::UserRole + 1;  // QByteArray, one byte a character
-    static constexpr int kColorRole = Qt::UserRole + 2;  // the colour number as the builder set it
 
     explicit QtOptionTree(QTreeWidget& view);
     ~QtOptionTree() override;

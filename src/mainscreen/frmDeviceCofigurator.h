@@ -107,7 +107,8 @@ public:
     void cmbConfigList_Click();
     void cmbConfigList_Validate();
 
-    // The text of txtCfgEdited as the program set it.
+    // The text of txtCfgEdited as the program set it; the box shows it in
+    // rows of 32 bytes.
     const std::string& CfgEditedText() const { return cfgEditedText_; }
     bool Busy() const { return busy_ > 0; }
 
