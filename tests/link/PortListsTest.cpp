@@ -1,38 +1,17 @@
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
+#include "ListedInventory.h"
 #include "link/PortLists.h"
 
 namespace sb {
 namespace {
 
-// An inventory from a list; it can refuse the connection or break off
-// after a number of ports.
-class ListedInventory final : public PortInventory {
-public:
-    explicit ListedInventory(std::vector<InventoryPort> ports) : ports_(std::move(ports)) {}
-    void Connect() override {
-        if (refuse) throw InventoryError(13, "Permission denied");
-    }
-    void Walk(const std::function<void(const InventoryPort&)>& visit) override {
-        for (std::size_t i = 0; i < ports_.size(); ++i) {
-            if (static_cast<int>(i) == breakAt) throw std::runtime_error("port gone");
-            visit(ports_[i]);
-        }
-    }
-    bool refuse = false;
-    int breakAt = -1;
-
-private:
-    std::vector<InventoryPort> ports_;
-};
-
-const InventoryPort kRunningA{"USB\\VID_C252&PID_1701\\A1", "ttyACM0", "Module A"};
-const InventoryPort kRunningB{"USB\\VID_C252&PID_17FF\\B1", "ttyACM1", "Module B"};
-const InventoryPort kBootA{"USB\\VID_0483&PID_5740\\A2", "ttyACM2", "Boot A"};
-const InventoryPort kBootB{"USB\\VID_0483&PID_5740\\B2", "/dev/pts/7", "Boot B"};
-const InventoryPort kOther{"USB\\VID_0483&PID_5741\\C", "ttyUSB0", "Other"};
+using test::ListedInventory;
+using test::kBootA;
+using test::kBootB;
+using test::kOther;
+using test::kRunningA;
+using test::kRunningB;
 
 std::vector<std::string> Texts(const PortList& list) {
     std::vector<std::string> texts;
