@@ -1,7 +1,9 @@
 #include "config/CatalogDocument.h"
 
+#include <algorithm>
 #include <sstream>
 
+#include "config/Latin1Text.h"
 #include "helpers/WholeFile.h"
 
 namespace sb {
@@ -14,40 +16,6 @@ constexpr int64_t kMaxFileLength = 64 * 1024 * 1024;
 // and attribute white space as XML says; no DOCTYPE, no comments, no
 // processing instructions, no white-space-only text.
 constexpr unsigned kParseOptions = pugi::parse_default;
-
-std::string Latin1ToUtf8(const std::string& bytes) {
-    std::string text;
-    text.reserve(bytes.size() + bytes.size() / 8);
-    for (const unsigned char b : bytes) {
-        if (b < 0x80) {
-            text += static_cast<char>(b);
-        } else {
-            text += static_cast<char>(0xC0 | (b >> 6));
-            text += static_cast<char>(0x80 | (b & 0x3F));
-        }
-    }
-    return text;
-}
-
-// One byte a character; a character beyond U+00FF, or a broken sequence,
-// becomes "?".
-std::string Utf8ToLatin1(const char* text) {
-    std::string bytes;
-    for (const unsigned char* p = reinterpret_cast<const unsigned char*>(text); *p;) {
-        if (*p < 0x80) {
-            bytes += static_cast<char>(*p++);
-            continue;
-        }
-        int length = (*p & 0xE0) == 0xC0 ? 2 : (*p & 0xF0) == 0xE0 ? 3 : (*p & 0xF8) == 0xF0 ? 4 : 1;
-        unsigned codePoint = *p & (0x7F >> length);
-        int taken = 1;
-        while (taken < length && (p[taken] & 0xC0) == 0x80) codePoint = (codePoint << 6) | (p[taken++] & 0x3F);
-        const bool whole = length > 1 && taken == length;
-        bytes += whole && codePoint <= 0xFF ? static_cast<char>(codePoint) : '?';
-        p += taken;
-    }
-    return bytes;
-}
 
 bool IsXmlBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
@@ -164,7 +132,7 @@ std::string ElementText(pugi::xml_node node) {
         if (at == node) break;
         at = at.next_sibling();
     }
-    return TrimXmlBlanks(Utf8ToLatin1(text.c_str()));
+    return TrimXmlBlanks(Utf8ToLatin1(text));
 }
 
 pugi::xml_node FirstElement(pugi::xml_node from, std::span<const char* const> path) {

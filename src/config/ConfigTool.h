@@ -11,6 +11,10 @@ namespace sb {
 // The refusal of the image codec, as the user sees it.
 inline constexpr const char* kWrongValue = "Wrong Value";
 
+// The Id that the image names: its first four bytes as a number, least
+// significant byte first, in 8 hex digits. Missing bytes count as zero.
+std::string ImageId(const std::string& image);
+
 // The option's raw value in the image: INT as 8 hex digits, BIN and
 // BITFIELD as hex text of the field's bytes, STR as the bytes themselves.
 // shown receives what the user sees: the text of the first list entry of

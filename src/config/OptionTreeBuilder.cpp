@@ -126,10 +126,10 @@ private:
 
 }  // namespace
 
+std::string ImageId(const std::string& image) { return Uint32ToHex(BytesToUint32(image.substr(0, 4))); }
+
 bool BuildOptionTree(const std::string& image, const DeviceInfo& device, OptionTree& tree) {
-    // Missing bytes of a short image count as zero bytes.
-    const std::string id = Uint32ToHex(BytesToUint32(image.substr(0, 4)));
-    const int32_t index = FindPredefCfgById(device, id);
+    const int32_t index = FindPredefCfgById(device, ImageId(image));
     if (index < 0) {
         tree.Clear();
         return false;

@@ -1,0 +1,68 @@
+#include "config/Latin1Text.h"
+
+namespace sb {
+namespace {
+
+// The length of the sequence that the lead byte opens; 0 for a byte that
+// opens none.
+int SequenceLength(unsigned char lead) {
+    if (lead < 0x80) return 1;
+    if ((lead & 0xE0) == 0xC0) return 2;
+    if ((lead & 0xF0) == 0xE0) return 3;
+    if ((lead & 0xF8) == 0xF0) return 4;
+    return 0;
+}
+
+// Decodes the sequence at text[at]; false when it is broken. length
+// receives the bytes to step over either way.
+bool Decode(std::string_view text, size_t at, unsigned& codePoint, size_t& length) {
+    const auto lead = static_cast<unsigned char>(text[at]);
+    const int wanted = SequenceLength(lead);
+    if (wanted == 0) {
+        length = 1;
+        return false;
+    }
+    codePoint = wanted == 1 ? lead : lead & (0x7F >> wanted);
+    length = 1;
+    while (length < static_cast<size_t>(wanted) && at + length < text.size() &&
+           (static_cast<unsigned char>(text[at + length]) & 0xC0) == 0x80)
+        codePoint = (codePoint << 6) | (static_cast<unsigned char>(text[at + length++]) & 0x3F);
+    return length == static_cast<size_t>(wanted);
+}
+
+}  // namespace
+
+std::string Latin1ToUtf8(std::string_view bytes) {
+    std::string text;
+    text.reserve(bytes.size() + bytes.size() / 8);
+    for (const unsigned char b : bytes) {
+        if (b < 0x80) {
+            text += static_cast<char>(b);
+        } else {
+            text += static_cast<char>(0xC0 | (b >> 6));
+            text += static_cast<char>(0x80 | (b & 0x3F));
+        }
+    }
+    return text;
+}
+
+std::string Utf8ToLatin1(std::string_view text) {
+    std::string bytes;
+    bytes.reserve(text.size());
+    for (size_t at = 0, length = 0; at < text.size(); at += length) {
+        unsigned codePoint = 0;
+        const bool whole = Decode(text, at, codePoint, length);
+        bytes += whole && codePoint <= 0xFF ? static_cast<char>(codePoint) : '?';
+    }
+    return bytes;
+}
+
+bool IsUtf8(std::string_view text) {
+    for (size_t at = 0, length = 0; at < text.size(); at += length) {
+        unsigned codePoint = 0;
+        if (!Decode(text, at, codePoint, length)) return false;
+    }
+    return true;
+}
+
+}  // namespace sb
