@@ -31,14 +31,14 @@ QString InRows(const std::string& hex) {
 void frmDeviceCofigurator::cmbConfigList_Click() {
     // Only the description changes; the image waits for "Select".
     const ConfigInfoView view = InfoOfEntry(device_, cmbConfigList->currentIndex(), cmbConfigList->count());
-    txtConfigInfo->setText(Latin1(view.Info));
+    txtConfigInfo->setPlainText(Latin1(view.Info));
     lblShortInfoCfgName->setText(Latin1(view.Caption));
 }
 
 void frmDeviceCofigurator::cmbConfigList_Validate() {
     const int index = cmbConfigList->currentIndex();
     if (index < 0 || index >= cmbConfigList->count() || index >= device_.PredefCfgs.Count()) return;
-    txtConfigInfo->setText(Latin1(device_.PredefCfgs.Items[index].Info));
+    txtConfigInfo->setPlainText(Latin1(device_.PredefCfgs.Items[index].Info));
 }
 
 void frmDeviceCofigurator::cmdSelPredefCfg_Click() {

@@ -23,7 +23,10 @@ constexpr const char* kWrongConfiguration = "Module has wrong configuration";
 constexpr const char* kSomethingWrong = "Something wrong";
 constexpr double kAfterOpeningMs = 500;
 
-void Show(QLineEdit& box, const std::string& text) { box.setText(Latin1(text)); }
+void Show(QLineEdit& box, const std::string& text) {
+    box.setText(Latin1(text));
+    box.setCursorPosition(0);  // a long text shows its start
+}
 void Show(QPlainTextEdit& box, const std::string& text) { box.setPlainText(Latin1(text)); }
 
 }  // namespace

@@ -77,6 +77,8 @@ void frmDeviceCofigurator::BuildControls() {
     tvOptions = new OptionTreeView(center);
     Label3 = Named(new QLabel(QStringLiteral("Configuration Data for write"), center), "Label3");
     txtCfgEdited = ShowOnlyLines(center, "txtCfgEdited", 3);
+    // The tree gets the room; a long image scrolls.
+    txtCfgEdited->setMaximumHeight(txtCfgEdited->fontMetrics().lineSpacing() * 8 + 10);
     txtCfgEdited->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
 
     Frame6 = Named(new QGroupBox(QStringLiteral("Module info"), center), "Frame6");
@@ -111,7 +113,7 @@ void frmDeviceCofigurator::BuildControls() {
     cmdSelPredefCfg = Named(new QPushButton(QStringLiteral("Select"), Frame5), "cmdSelPredefCfg");
     cmdSelPredefCfg->setEnabled(false);
     lblShortInfoCfgName = Named(new QLabel(QStringLiteral("Short configuration info"), Frame5), "lblShortInfoCfgName");
-    txtConfigInfo = ShowOnlyBox(Frame5, "txtConfigInfo");
+    txtConfigInfo = ShowOnlyLines(Frame5, "txtConfigInfo", 2);
     Label1 = Named(new QLabel(QStringLiteral("Readed Configuration"), Frame5), "Label1");
     txtAppConfig = ShowOnlyLines(Frame5, "txtAppConfig", 3);
     txtAppConfig->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));

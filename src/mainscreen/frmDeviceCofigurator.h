@@ -95,7 +95,7 @@ public:
     QLabel* Label2;
     QPushButton* cmdSelPredefCfg;
     QLabel* lblShortInfoCfgName;
-    QLineEdit* txtConfigInfo;
+    QPlainTextEdit* txtConfigInfo;
     QLabel* Label1;
     QPlainTextEdit* txtAppConfig;
 

@@ -260,13 +260,13 @@ TEST_F(OptionEditing, SelectAppliesAWholeConfiguration) {
     EXPECT_EQ(form.cmbConfigList->itemText(3), "READED CONFIG");
     EXPECT_EQ(form.cmbConfigList->currentIndex(), 3);
     EXPECT_EQ(form.lblShortInfoCfgName->text(), "Short info for configuration: READED CONFIG");
-    EXPECT_EQ(form.txtConfigInfo->text(), "as the module left the factory");
+    EXPECT_EQ(form.txtConfigInfo->toPlainText(), "as the module left the factory");
 
     screen.ClickBox("OPTION00000002_VALUE00000000");  // an edit, taken back below
     form.cmbConfigList->setCurrentIndex(1);
     emit form.cmbConfigList->activated(1);
     EXPECT_EQ(form.lblShortInfoCfgName->text(), "Short info for configuration: Car");
-    EXPECT_EQ(form.txtConfigInfo->text(), "for cars");
+    EXPECT_EQ(form.txtConfigInfo->toPlainText(), "for cars");
     EXPECT_EQ(screen.CfgEdited(), "000000000F20415A");  // a choice alone changes nothing
 
     form.cmdSelPredefCfg->click();
