@@ -22,12 +22,15 @@ public:
         ::close(slave);
         slavePath_ = name;
         ::fcntl(master_, F_SETFL, ::fcntl(master_, F_GETFL) | O_NONBLOCK);
+        // A program the test starts must not keep the device alive.
+        ::fcntl(master_, F_SETFD, FD_CLOEXEC);
     }
     ~PtyPair() { Vanish(); }
     PtyPair(const PtyPair&) = delete;
     PtyPair& operator=(const PtyPair&) = delete;
 
     bool Ok() const { return master_ >= 0; }
+    int MasterFd() const { return master_; }
     const std::string& SlavePath() const { return slavePath_; }
 
     termios SlaveSettings() const {

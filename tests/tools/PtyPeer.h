@@ -1,0 +1,121 @@
+#pragma once
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "../link/PtyPair.h"
+
+namespace sb::test {
+
+// The far end of a pseudo-terminal, played by a thread of the test: it
+// answers each line that ends in CR with the pieces a script gives, and
+// notes every opening of the slave with the speed it was set to, how long it
+// was held and what was written during it. It stands in for a module where
+// a test needs a module that misbehaves in one exact way.
+class PtyPeer {
+public:
+    struct Piece {
+        int delayMs;
+        std::string bytes;
+    };
+    // Gets the line with its CR (a leading LF dropped); may close the line
+    // for good by calling Vanish().
+    using Script = std::function<std::vector<Piece>(const std::string& line)>;
+
+    struct Opening {
+        speed_t speed = B0;
+        long heldMs = 0;
+        std::string received;
+    };
+
+    explicit PtyPeer(Script script) : script_(std::move(script)), thread_([this] { Serve(); }) {}
+    ~PtyPeer() {
+        stop_ = true;
+        thread_.join();
+    }
+    PtyPeer(const PtyPeer&) = delete;
+    PtyPeer& operator=(const PtyPeer&) = delete;
+
+    const std::string& SlavePath() const { return pty_.SlavePath(); }
+    void Vanish() { vanish_ = true; }
+
+    // The openings that have ended; waits a little for the last closing to
+    // be seen, since the peer looks every few milliseconds.
+    std::vector<Opening> Openings(std::size_t expected = 1) {
+        const auto end = Clock::now() + std::chrono::seconds(5);
+        for (;;) {
+            {
+                std::lock_guard<std::mutex> lock(mutex_);
+                if (openings_.size() >= expected || Clock::now() > end) return openings_;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void Serve() {
+        bool open = false;
+        Clock::time_point openedAt;
+        Opening current;
+        std::string pending;
+        while (!stop_ && !vanish_) {
+            pollfd p{Master(), POLLIN, 0};
+            ::poll(&p, 1, 5);
+            const bool hungUp = (p.revents & POLLHUP) != 0;
+            if (open && hungUp) {
+                current.heldMs = static_cast<long>(
+                    std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - openedAt).count());
+                std::lock_guard<std::mutex> lock(mutex_);
+                openings_.push_back(current);
+                open = false;
+            } else if (!open && !hungUp) {
+                open = true;
+                openedAt = Clock::now();
+                current = Opening{};
+            }
+            if (!open) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+                continue;
+            }
+            const termios tio = pty_.SlaveSettings();
+            current.speed = ::cfgetospeed(&tio);
+            char chunk[4096];
+            const ssize_t n = ::read(Master(), chunk, sizeof chunk);
+            if (n <= 0) continue;
+            current.received.append(chunk, static_cast<std::size_t>(n));
+            pending.append(chunk, static_cast<std::size_t>(n));
+            for (auto cr = pending.find('\r'); cr != std::string::npos && !vanish_; cr = pending.find('\r')) {
+                std::string line = pending.substr(0, cr + 1);
+                pending.erase(0, cr + 1);
+                if (!line.empty() && line[0] == '\n') line.erase(0, 1);
+                for (const Piece& piece : script_(line)) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(piece.delayMs));
+                    pty_.Send(piece.bytes);
+                }
+            }
+        }
+        if (vanish_) pty_.Vanish();
+    }
+
+    int Master() const { return pty_.MasterFd(); }
+
+    Script script_;
+    PtyPair pty_;
+    std::atomic<bool> stop_{false};
+    std::atomic<bool> vanish_{false};
+    std::mutex mutex_;
+    std::vector<Opening> openings_;
+    std::thread thread_;
+};
+
+}  // namespace sb::test
