@@ -9,8 +9,7 @@
 
 namespace sb {
 
-MergedInventory::MergedInventory(std::vector<std::unique_ptr<PortInventory>> sources)
-    : sources_(std::move(sources)) {}
+MergedInventory::MergedInventory(std::vector<std::unique_ptr<PortInventory>> sources) : sources_(std::move(sources)) {}
 
 void MergedInventory::Connect() {
     for (auto& source : sources_) source->Connect();

@@ -19,8 +19,7 @@ struct InventoryPort {
 // The inventory service itself cannot be reached; number and description are
 // the system's own (an errno and its text).
 struct InventoryError : std::runtime_error {
-    InventoryError(int number, const std::string& description)
-        : std::runtime_error(description), Number(number) {}
+    InventoryError(int number, const std::string& description) : std::runtime_error(description), Number(number) {}
     int Number;
 };
 

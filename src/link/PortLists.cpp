@@ -16,8 +16,7 @@ int StickySelection(const PortList& list, const std::string& remembered) {
     return 0;
 }
 
-void Fill(PortListState& lists, PortInventory& inventory,
-          const std::function<void(const std::string&)>& reportError) {
+void Fill(PortListState& lists, PortInventory& inventory, const std::function<void(const std::string&)>& reportError) {
     try {
         inventory.Connect();
     } catch (const InventoryError& failure) {
@@ -60,8 +59,8 @@ std::string PortList::SelectedPort() const {
 }
 
 std::string InventoryErrorText(const InventoryError& failure) {
-    return std::string("Error occured during device searching") + "\r\nError Number: " +
-           std::to_string(failure.Number) + "\r\nDescription: " + failure.what();
+    return std::string("Error occured during device searching") +
+           "\r\nError Number: " + std::to_string(failure.Number) + "\r\nDescription: " + failure.what();
 }
 
 PortListState ScanPortLists(const PortListState& before, PortInventory& inventory,

@@ -34,8 +34,8 @@ struct PortList {
 };
 
 struct PortListState {
-    PortList DevList;   // cmbUSBDevList: running modules
-    PortList BootList;  // cmbUSBBootList: modules in boot mode
+    PortList DevList;     // cmbUSBDevList: running modules
+    PortList BootList;    // cmbUSBBootList: modules in boot mode
     std::string SelPort;  // txtSelPort
 };
 

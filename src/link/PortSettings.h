@@ -10,7 +10,7 @@ struct PortSettings {
     int32_t BaudRate = 9600;
     char Parity = 'N';  // N, E, O, M or S
     int DataBits = 8;
-    int StopBits = 1;   // 1 or 2
+    int StopBits = 1;  // 1 or 2
 };
 
 // Throws PortError for a text that does not give all four fields.

@@ -20,7 +20,10 @@ namespace {
 constexpr std::string::size_type kInputLimit = 4 * 1024 * 1024;
 
 speed_t SpeedOf(int32_t baudRate) {
-    static constexpr struct { int32_t rate; speed_t speed; } kSpeeds[] = {
+    static constexpr struct {
+        int32_t rate;
+        speed_t speed;
+    } kSpeeds[] = {
         {50, B50},           {75, B75},           {110, B110},         {134, B134},         {150, B150},
         {200, B200},         {300, B300},         {600, B600},         {1200, B1200},       {1800, B1800},
         {2400, B2400},       {4800, B4800},       {9600, B9600},       {19200, B19200},     {38400, B38400},
@@ -72,7 +75,9 @@ void QtSerialPort::Throw(const std::string& what, int error) const {
 }
 
 void QtSerialPort::RequireClosed(const char* what) const {
-    if (PortOpen()) throw PortError(std::string("Cannot change the ") + what + " of the open port " + DevicePath(name_), "port already open");
+    if (PortOpen())
+        throw PortError(std::string("Cannot change the ") + what + " of the open port " + DevicePath(name_),
+                        "port already open");
 }
 
 void QtSerialPort::RequireOpen() const {

@@ -137,7 +137,8 @@ void frmPortControl::cmbUSBDevList_Change() {
 
 void frmPortControl::cmdSwitchToBoot_Click() {
     RunSwitch([this] {
-        if (cmbUSBDevList->currentText() != QLatin1String(kNotFound)) SwitchToBoot(*MSComm1, SelectedPort(*cmbUSBDevList));
+        if (cmbUSBDevList->currentText() != QLatin1String(kNotFound))
+            SwitchToBoot(*MSComm1, SelectedPort(*cmbUSBDevList));
     });
 }
 

@@ -7,8 +7,8 @@ namespace sb {
 namespace {
 
 const std::vector<std::string> kOpening300 = {
-    "SetCommPort(ttyACM3)",     "SetSettings(300, N, 8, 1)", "SetInputLen(0)",          "SetRThreshold(0)",
-    "SetSThreshold(0)",         "SetInBufferSize(8192)",     "SetOutBufferSize(8192)", "SetPortOpen(true)",
+    "SetCommPort(ttyACM3)", "SetSettings(300, N, 8, 1)", "SetInputLen(0)",         "SetRThreshold(0)",
+    "SetSThreshold(0)",     "SetInBufferSize(8192)",     "SetOutBufferSize(8192)", "SetPortOpen(true)",
 };
 
 TEST(SwitchToBoot, HoldsThePortOpenAt300BaudFor500MsWithoutAByte) {

@@ -58,11 +58,19 @@ TEST_F(PortControl, ShowsItsControlsWithTheirCaptionsAndStartStates) {
     auto& form = Make({});
     EXPECT_EQ(form.objectName(), "frmPortControl");
     EXPECT_EQ(form.windowTitle(), "USB Device selection");
-    const struct { const char* name; const char* caption; bool enabled; } controls[] = {
-        {"Label2", "Running Devices", true}, {"Label1", "Devices in Boot", true},
-        {"cmdSwitchToBoot", "Enter Boot", true}, {"cmdSwitchToDev", "Leave Boot", true},
+    const struct {
+        const char* name;
+        const char* caption;
+        bool enabled;
+    } controls[] = {
+        {"Label2", "Running Devices", true},
+        {"Label1", "Devices in Boot", true},
+        {"cmdSwitchToBoot", "Enter Boot", true},
+        {"cmdSwitchToDev", "Leave Boot", true},
         // The load's scan has enabled Select already.
-        {"cmdSelect", "Select", true}, {"cmdCancel", "Cancel", true}, {"cmdScan", "Scan", true},
+        {"cmdSelect", "Select", true},
+        {"cmdCancel", "Cancel", true},
+        {"cmdScan", "Scan", true},
     };
     for (const auto& c : controls) {
         auto* widget = form.findChild<QWidget*>(c.name);
@@ -131,8 +139,9 @@ TEST_F(PortControl, ReportsAnUnreachableInventoryInAMessageBox) {
     auto& form = Make({kBootA});
     inventory_->refuse = true;
     form.cmdScan->click();
-    EXPECT_EQ(messages_.texts, std::vector<std::string>{
-                                  "Error occured during device searching\r\nError Number: 13\r\nDescription: Permission denied"});
+    EXPECT_EQ(messages_.texts,
+              std::vector<std::string>{
+                  "Error occured during device searching\r\nError Number: 13\r\nDescription: Permission denied"});
     EXPECT_EQ(form.txtSelPort->text(), "Not Found");
 }
 

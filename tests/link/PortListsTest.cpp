@@ -6,12 +6,12 @@
 namespace sb {
 namespace {
 
-using test::ListedInventory;
 using test::kBootA;
 using test::kBootB;
 using test::kOther;
 using test::kRunningA;
 using test::kRunningB;
+using test::ListedInventory;
 
 std::vector<std::string> Texts(const PortList& list) {
     std::vector<std::string> texts;
@@ -19,15 +19,21 @@ std::vector<std::string> Texts(const PortList& list) {
     return texts;
 }
 
-PortListState Scan(const PortListState& before, ListedInventory& inventory, std::vector<std::string>* reports = nullptr) {
+PortListState Scan(const PortListState& before, ListedInventory& inventory,
+                   std::vector<std::string>* reports = nullptr) {
     return ScanPortLists(before, inventory, [reports](const std::string& text) {
-        if (reports) reports->push_back(text);
-        else ADD_FAILURE() << "unexpected report: " << text;
+        if (reports)
+            reports->push_back(text);
+        else
+            ADD_FAILURE() << "unexpected report: " << text;
     });
 }
 
 TEST(ModeOfPort, TellsTheTwoIdentitiesCaseSensitivelyRunningFirst) {
-    const struct { const char* id; ModuleMode mode; } cases[] = {
+    const struct {
+        const char* id;
+        ModuleMode mode;
+    } cases[] = {
         {"USB\\VID_C252&PID_1700\\X", ModuleMode::Running},
         {"USB\\VID_C252&PID_17AB", ModuleMode::Running},
         {"USB\\VID_C252&PID_1800\\X", ModuleMode::None},
@@ -88,8 +94,9 @@ TEST(ScanPortLists, ReportsAnUnreachableInventoryInThreeLinesAndShowsNoPort) {
     inventory.refuse = true;
     std::vector<std::string> reports;
     lists = Scan(lists, inventory, &reports);
-    EXPECT_EQ(reports, std::vector<std::string>{
-                           "Error occured during device searching\r\nError Number: 13\r\nDescription: Permission denied"});
+    EXPECT_EQ(reports,
+              std::vector<std::string>{
+                  "Error occured during device searching\r\nError Number: 13\r\nDescription: Permission denied"});
     EXPECT_EQ(Texts(lists.DevList), std::vector<std::string>{"Not Found"});
     EXPECT_EQ(lists.SelPort, "Not Found");
 }

@@ -7,7 +7,12 @@ namespace sb {
 namespace {
 
 TEST(ParsePortSettings, ReadsTheFourFieldsWithOrWithoutBlanks) {
-    const struct { const char* text; int32_t baud; char parity; int data, stop; } cases[] = {
+    const struct {
+        const char* text;
+        int32_t baud;
+        char parity;
+        int data, stop;
+    } cases[] = {
         {"300, N, 8, 1", 300, 'N', 8, 1},
         {"115200, N, 8, 1", 115200, 'N', 8, 1},
         {"9600,e,7,2", 9600, 'E', 7, 2},
@@ -23,9 +28,9 @@ TEST(ParsePortSettings, ReadsTheFourFieldsWithOrWithoutBlanks) {
 }
 
 TEST(ParsePortSettings, RefusesAnIncompleteOrImpossibleText) {
-    for (const char* text : {"", "300", "300, N, 8", "300, N, 8, 1, 1", "300, X, 8, 1", "300, NN, 8, 1",
-                             "0, N, 8, 1", "-300, N, 8, 1", "300x, N, 8, 1", "300, N, 9, 1", "300, N, 8, 3",
-                             "300, N, 8, 1.5", "300, , 8, 1"})
+    for (const char* text :
+         {"", "300", "300, N, 8", "300, N, 8, 1, 1", "300, X, 8, 1", "300, NN, 8, 1", "0, N, 8, 1", "-300, N, 8, 1",
+          "300x, N, 8, 1", "300, N, 9, 1", "300, N, 8, 3", "300, N, 8, 1.5", "300, , 8, 1"})
         EXPECT_THROW(ParsePortSettings(text), PortError) << text;
 }
 

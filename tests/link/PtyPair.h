@@ -43,8 +43,10 @@ public:
         std::size_t done = 0;
         while (done < bytes.size()) {
             const ssize_t n = ::write(master_, bytes.data() + done, bytes.size() - done);
-            if (n > 0) done += static_cast<std::size_t>(n);
-            else WaitReady(POLLOUT, 100);
+            if (n > 0)
+                done += static_cast<std::size_t>(n);
+            else
+                WaitReady(POLLOUT, 100);
         }
     }
 
@@ -55,8 +57,10 @@ public:
         while (got.size() < count && std::chrono::steady_clock::now() < end) {
             char chunk[4096];
             const ssize_t n = ::read(master_, chunk, sizeof chunk);
-            if (n > 0) got.append(chunk, static_cast<std::size_t>(n));
-            else WaitReady(POLLIN, 20);
+            if (n > 0)
+                got.append(chunk, static_cast<std::size_t>(n));
+            else
+                WaitReady(POLLIN, 20);
         }
         return got;
     }

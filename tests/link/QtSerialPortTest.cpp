@@ -26,7 +26,7 @@ std::vector<termios> settingChanges;
 std::vector<std::size_t> writeSizes;
 
 bool Watched(int fd) {
-    struct stat st{};
+    struct stat st {};
     return watchedDevice != 0 && ::fstat(fd, &st) == 0 && S_ISCHR(st.st_mode) && st.st_rdev == watchedDevice;
 }
 }  // namespace
@@ -53,7 +53,7 @@ protected:
         test::QtApp();
         SetWaitContext(&waits_);
         ASSERT_TRUE(pty_.Ok());
-        struct stat st{};
+        struct stat st {};
         ASSERT_EQ(::stat(pty_.SlavePath().c_str(), &st), 0);
         watchedDevice = st.st_rdev;
         settingChanges.clear();

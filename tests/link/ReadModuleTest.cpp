@@ -20,15 +20,22 @@ TEST(ReadModuleInfo, FillsEachFieldFromItsCommandInOrderTrimmingAllButTheAppInfo
     DeviceInfo info;
 
     EXPECT_FALSE(ReadModuleInfo(port, status, info));
-    const std::vector<std::string> order = {"GETSN",      "GETVER",    "GETNAME",  "GETPDATE",
-                                            "GETVIN",     "GETAPPNAME", "GETAPPVER", "GETHWVER",
-                                            "GETAPPCFG",  "GETINFOFILE", "GETAPPINFO"};
+    const std::vector<std::string> order = {"GETSN",     "GETVER",      "GETNAME",   "GETPDATE",
+                                            "GETVIN",    "GETAPPNAME",  "GETAPPVER", "GETHWVER",
+                                            "GETAPPCFG", "GETINFOFILE", "GETAPPINFO"};
     EXPECT_EQ(asked, order);
     const std::pair<std::string, std::string> fields[] = {
-        {info.SN, "GETSN"},         {info.PVer, "GETVER"},        {info.PName, "GETNAME"},
-        {info.PDate, "GETPDATE"},   {info.VIN, "GETVIN"},         {info.FWName, "GETAPPNAME"},
-        {info.FWVer, "GETAPPVER"},  {info.HWVer, "GETHWVER"},     {info.AppConfig, "GETAPPCFG"},
-        {info.InfoFile, "GETINFOFILE"}, {info.AppInfo, " GETAPPINFO\t "},
+        {info.SN, "GETSN"},
+        {info.PVer, "GETVER"},
+        {info.PName, "GETNAME"},
+        {info.PDate, "GETPDATE"},
+        {info.VIN, "GETVIN"},
+        {info.FWName, "GETAPPNAME"},
+        {info.FWVer, "GETAPPVER"},
+        {info.HWVer, "GETHWVER"},
+        {info.AppConfig, "GETAPPCFG"},
+        {info.InfoFile, "GETINFOFILE"},
+        {info.AppInfo, " GETAPPINFO\t "},
     };
     for (const auto& [field, expected] : fields) EXPECT_EQ(field, expected);
 }

@@ -32,8 +32,10 @@ TEST(TerminalExecute, TakesTheAnswerBetweenTheLineBreakAndAClosingPrompt) {
     const std::string nul("\0\xFF", 2);
     const ExchangeCase cases[] = {
         {"one line", "GETSN", {{0, "GETSN\r\n12345678\r\n> "}}, "12345678"},
-        {"several lines keep their inner line ends", "GETAPPINFO",
-         {{0, "GETAPPINFO\r\n line 1\r\nline 2 \r\n> "}}, " line 1\r\nline 2 "},
+        {"several lines keep their inner line ends",
+         "GETAPPINFO",
+         {{0, "GETAPPINFO\r\n line 1\r\nline 2 \r\n> "}},
+         " line 1\r\nline 2 "},
         {"any byte passes", "GETSN", {{0, "GETSN\r\n" + nul + "\r\n> "}}, nul},
         {"one character is an answer", "GETSN", {{0, "GETSN\r\nX\r\n> "}}, "X"},
         {"echo and answer in separate reads", "GETSN", {{0, "GETSN\r"}, {kLater, "\nA\r\n> "}}, "A"},
@@ -45,10 +47,14 @@ TEST(TerminalExecute, TakesTheAnswerBetweenTheLineBreakAndAClosingPrompt) {
         {"an empty answer", "GETSN", {{0, "GETSN\r\n\r\n> "}}, "No answer"},
         {"text behind the prompt", "GETSN", {{0, "GETSN\r\nA\r\n> x"}}, "No answer"},
         {"a prompt inside the answer", "GETSN", {{0, "GETSN\r\nA\r\n> B\r\n> "}}, "No answer"},
-        {"the answer complete at the second read", "GETSN",
-         {{0, "GETSN\r\nA"}, {kLater, "B"}, {kLaterStill, "C\r\n> "}}, "ABC"},
-        {"the answer complete only at the third read", "GETSN",
-         {{0, "GETSN\r\nA"}, {kLater, "B"}, {kLaterStill, "C"}, {kLaterStill + kLater, "\r\n> "}}, "No answer"},
+        {"the answer complete at the second read",
+         "GETSN",
+         {{0, "GETSN\r\nA"}, {kLater, "B"}, {kLaterStill, "C\r\n> "}},
+         "ABC"},
+        {"the answer complete only at the third read",
+         "GETSN",
+         {{0, "GETSN\r\nA"}, {kLater, "B"}, {kLaterStill, "C"}, {kLaterStill + kLater, "\r\n> "}},
+         "No answer"},
         {"the echo repeats the argument", "SETAPPCFG 00FF", {{0, "SETAPPCFG 00FF\r\nOK\r\n> "}}, "OK"},
         {"an echo that loses the argument", "SETAPPCFG 00FF", {{0, "SETAPPCFG \r\nOK\r\n> "}}, "No answer"},
         {"a silent module", "GETSN", {}, "No answer"},
@@ -86,7 +92,7 @@ TEST(TerminalExecute, ReportsEachStageAndOneDotForEveryPoll) {
     // The echo after 30 ms: four polls, the last one finds it.
     RunExchange("GETSN", {{30, "GETSN\r\nA\r\n> "}}, port, status);
     const std::vector<std::string> expected = {
-        "Clearing input buffer", "Sending command", "Waiting echo",   "Waiting echo.",   "Waiting echo..",
+        "Clearing input buffer", "Sending command",  "Waiting echo",  "Waiting echo.",  "Waiting echo..",
         "Waiting echo...",       "Waiting echo....", "Echo received", "Waiting answer", "Answer received",
     };
     EXPECT_EQ(status.texts, expected);

@@ -15,14 +15,18 @@ using Pieces = std::vector<PtyPeer::Piece>;
 std::string CommandOf(const std::string& line) { return line.substr(0, line.size() - 1); }
 
 // The module's framing: echo, LF, answer, prompt, in one piece.
-Pieces Answer(const std::string& line, const std::string& answer) {
-    return {{0, line + "\n" + answer + "\r\n> "}};
-}
+Pieces Answer(const std::string& line, const std::string& answer) { return {{0, line + "\n" + answer + "\r\n> "}}; }
 
 const std::map<std::string, std::string> kAnswers = {
-    {"GETSN", " 12345678 "},  {"GETVER", "1.02.03"},   {"GETNAME", "Sniffer"},
-    {"GETPDATE", "01.02.2024"}, {"GETVIN", "WVWZZZ1JZXW000001"}, {"GETAPPNAME", "APP"},
-    {"GETAPPVER", "2.00.01"}, {"GETHWVER", "HW3\r\n"}, {"GETAPPCFG", "00FF10"},
+    {"GETSN", " 12345678 "},
+    {"GETVER", "1.02.03"},
+    {"GETNAME", "Sniffer"},
+    {"GETPDATE", "01.02.2024"},
+    {"GETVIN", "WVWZZZ1JZXW000001"},
+    {"GETAPPNAME", "APP"},
+    {"GETAPPVER", "2.00.01"},
+    {"GETHWVER", "HW3\r\n"},
+    {"GETAPPCFG", "00FF10"},
     {"GETINFOFILE", "<Options CfgLen=\"3\"/>"},
     // Quote, backslash, NUL, tab, e-acute and line ends: all must come back.
     {"GETAPPINFO", std::string(" \"a\\b\"\r\n\0\t\xE9 ", 12)},
@@ -63,14 +67,17 @@ TEST_F(DeviceCommands, InfoReadsTheElevenFieldsAndPrintsThemForPeopleAndScripts)
 TEST_F(DeviceCommands, InfoSurvivesAModuleThatMisbehavesInEachWay) {
     // One fault a command; the read goes on through all of them.
     const std::map<std::string, std::pair<Pieces, std::string>> faults = {
-        {"GETSN", {{{0, "GETS"}, {300, "N\r\nA\r\n> "}}, "A"}},                  // echo in two pieces
-        {"GETVER", {{{0, "GETVER\r\nB"}, {300, "\r\n> "}}, "B"}},                // answer in two pieces
-        {"GETNAME", {{{1500, "GETNAME\r\nC\r\n> "}}, "C"}},                      // echo late, but within two reads
-        {"GETPDATE", {{{0, "\x13#noise GETPDATE\r\nD\r\n> "}}, "D"}},            // noise in front of the echo
-        {"GETVIN", {}, },                                                         // silence
-        {"GETAPPNAME", {{{0, "GETAPPNAME\rE\r\n> "}}, "No answer"}},             // no LF behind the echo
-        {"GETAPPVER", {{{0, "GETAPPVER\r\nF\r\n> x"}}, "No answer"}},            // text behind the prompt
-        {"GETHWVER", {{{0, "GETHWVER\r\n\r\n> "}}, "No answer"}},                // an empty answer
+        {"GETSN", {{{0, "GETS"}, {300, "N\r\nA\r\n> "}}, "A"}},        // echo in two pieces
+        {"GETVER", {{{0, "GETVER\r\nB"}, {300, "\r\n> "}}, "B"}},      // answer in two pieces
+        {"GETNAME", {{{1500, "GETNAME\r\nC\r\n> "}}, "C"}},            // echo late, but within two reads
+        {"GETPDATE", {{{0, "\x13#noise GETPDATE\r\nD\r\n> "}}, "D"}},  // noise in front of the echo
+        {
+            "GETVIN",
+            {},
+        },                                                             // silence
+        {"GETAPPNAME", {{{0, "GETAPPNAME\rE\r\n> "}}, "No answer"}},   // no LF behind the echo
+        {"GETAPPVER", {{{0, "GETAPPVER\r\nF\r\n> x"}}, "No answer"}},  // text behind the prompt
+        {"GETHWVER", {{{0, "GETHWVER\r\n\r\n> "}}, "No answer"}},      // an empty answer
     };
     PtyPeer module([&faults](const std::string& line) {
         const auto fault = faults.find(CommandOf(line));
@@ -79,13 +86,13 @@ TEST_F(DeviceCommands, InfoSurvivesAModuleThatMisbehavesInEachWay) {
     const CliRun run = RunCli(folder, {"info", "--port", module.SlavePath()});
     EXPECT_EQ(run.status, 4) << run.err;
     const std::map<std::string, std::string> fieldOf = {
-        {"GETSN", "SN"},         {"GETVER", "PVer"},      {"GETNAME", "PName"},      {"GETPDATE", "PDate"},
-        {"GETVIN", "VIN"},       {"GETAPPNAME", "FWName"}, {"GETAPPVER", "FWVer"},   {"GETHWVER", "HWVer"},
+        {"GETSN", "SN"},   {"GETVER", "PVer"},       {"GETNAME", "PName"},   {"GETPDATE", "PDate"},
+        {"GETVIN", "VIN"}, {"GETAPPNAME", "FWName"}, {"GETAPPVER", "FWVer"}, {"GETHWVER", "HWVer"},
     };
     for (const auto& [command, fault] : faults) {
         const std::string expected = command == "GETVIN" ? "No answer" : fault.second;
-        EXPECT_NE(run.out.find(fieldOf.at(command) + ": " + expected + "\n"), std::string::npos)
-            << command << "\n" << run.out;
+        EXPECT_NE(run.out.find(fieldOf.at(command) + ": " + expected + "\n"), std::string::npos) << command << "\n"
+                                                                                                 << run.out;
     }
     EXPECT_NE(run.out.find("AppConfig: 00FF10\n"), std::string::npos) << run.out;
 }
@@ -141,7 +148,8 @@ TEST_F(DeviceCommands, RunProbesSendsRunAndPrintsWhatTheModuleSaid) {
     });
     const CliRun run = RunCli(folder, {"run", "--port", module.SlavePath(), "--wait", "0", "--json"});
     EXPECT_EQ(run.status, 4);
-    EXPECT_EQ(run.out, "{\"answer\": \"RUN\\r\\nStarting application\\r\\n\", \"port\": null, \"description\": null}\n");
+    EXPECT_EQ(run.out,
+              "{\"answer\": \"RUN\\r\\nStarting application\\r\\n\", \"port\": null, \"description\": null}\n");
     const auto openings = module.Openings();
     ASSERT_EQ(openings.size(), 1u);
     EXPECT_EQ(openings[0].speed, B115200);

@@ -27,7 +27,7 @@ constexpr int kExitUsage = 1;
 constexpr int kExitNoModule = 3;
 constexpr int kExitNotConfirmed = 4;
 
-constexpr double kReadSettleMs = 500;   // behind the opening, before the first command
+constexpr double kReadSettleMs = 500;    // behind the opening, before the first command
 constexpr double kWriteSettleMs = 1000;  // SETAPPCFG goes out a second after the opening
 constexpr double kRescanMs = 200;
 
@@ -139,10 +139,17 @@ void Info(const DeviceOptions& options) {
     port.SetPortOpen(false);
 
     const std::pair<const char*, const std::string*> fields[] = {
-        {"SN", &info.SN},         {"PVer", &info.PVer},       {"PName", &info.PName},
-        {"PDate", &info.PDate},   {"VIN", &info.VIN},         {"FWName", &info.FWName},
-        {"FWVer", &info.FWVer},   {"HWVer", &info.HWVer},     {"AppConfig", &info.AppConfig},
-        {"InfoFile", &info.InfoFile}, {"AppInfo", &info.AppInfo},
+        {"SN", &info.SN},
+        {"PVer", &info.PVer},
+        {"PName", &info.PName},
+        {"PDate", &info.PDate},
+        {"VIN", &info.VIN},
+        {"FWName", &info.FWName},
+        {"FWVer", &info.FWVer},
+        {"HWVer", &info.HWVer},
+        {"AppConfig", &info.AppConfig},
+        {"InfoFile", &info.InfoFile},
+        {"AppInfo", &info.AppInfo},
     };
     bool silent = false;
     if (options.json) std::cout << "{";
@@ -212,7 +219,8 @@ void Run(const DeviceOptions& options) {
     QtSerialPort port;
     ErrorStreamStatus status(options.verbose);
     std::optional<std::string> answer;
-    if (const auto failure = SwitchToRunning(port, options.port, status, [&answer](const std::string& text) { answer = text; }))
+    if (const auto failure =
+            SwitchToRunning(port, options.port, status, [&answer](const std::string& text) { answer = text; }))
         Fail(kExitNoModule, PortErrorText("CommPort Error", *failure));
     if (!options.json && answer) std::cout << *answer << (answer->empty() || answer->back() == '\n' ? "" : "\n");
     const std::string answerJson = "\"answer\": " + (answer ? JsonString(*answer) : std::string("null")) + ", ";
@@ -236,8 +244,11 @@ void Write(const DeviceOptions& options) {
     }
     port.SetPortOpen(false);
     const bool written = answer == cmd::AnswerOK;
-    if (options.json) std::cout << "{\"answer\": " << JsonString(answer) << ", \"written\": " << (written ? "true" : "false") << "}\n";
-    else if (written) std::cout << "Config written successfully!\n";
+    if (options.json)
+        std::cout << "{\"answer\": " << JsonString(answer) << ", \"written\": " << (written ? "true" : "false")
+                  << "}\n";
+    else if (written)
+        std::cout << "Config written successfully!\n";
     std::cout.flush();
     if (failure) Fail(kExitNoModule, PortErrorText("COMPort Error", *failure));
     if (!written) Fail(kExitNotConfirmed, "Error! Config was not set !\r\nThe module answered: " + answer);
@@ -266,16 +277,19 @@ void AddDeviceCommands(CLI::App& app) {
     AddPortOption(info, options);
     info->add_flag("--verbose", options->verbose, "Show the status of each exchange on standard error");
 
-    CLI::App* boot = AddCommand(app, "boot", "Send a running module into boot mode, and show its new port", options, Boot);
+    CLI::App* boot =
+        AddCommand(app, "boot", "Send a running module into boot mode, and show its new port", options, Boot);
     AddPortOption(boot, options);
     boot->add_option("--wait", options->waitSeconds, "Seconds to wait for the module's new port (default 10)");
 
-    CLI::App* run = AddCommand(app, "run", "Start the firmware of a module in boot mode, and show its new port", options, Run);
+    CLI::App* run =
+        AddCommand(app, "run", "Start the firmware of a module in boot mode, and show its new port", options, Run);
     AddPortOption(run, options);
     run->add_option("--wait", options->waitSeconds, "Seconds to wait for the module's new port (default 10)");
     run->add_flag("--verbose", options->verbose, "Show the status of each exchange on standard error");
 
-    CLI::App* write = AddCommand(app, "write", "Write a configuration image (hex text) into a module in boot mode", options, Write);
+    CLI::App* write =
+        AddCommand(app, "write", "Write a configuration image (hex text) into a module in boot mode", options, Write);
     AddPortOption(write, options);
     write->add_option("hex", options->hex, "The configuration image as hex text")->required();
     write->add_flag("--verbose", options->verbose, "Show the status of each exchange on standard error");
