@@ -30,23 +30,33 @@ bool Decode(std::string_view text, size_t at, unsigned& codePoint, size_t& lengt
     return length == static_cast<size_t>(wanted);
 }
 
+bool IsAscii(std::string_view text) {
+    for (const char c : text)
+        if (static_cast<unsigned char>(c) >= 0x80) return false;
+    return true;
+}
+
 }  // namespace
 
 std::string Latin1ToUtf8(std::string_view bytes) {
-    std::string text;
-    text.reserve(bytes.size() + bytes.size() / 8);
+    size_t high = 0;
+    for (const unsigned char b : bytes) high += b >> 7;
+    if (high == 0) return std::string(bytes);
+    std::string text(bytes.size() + high, '\0');
+    size_t at = 0;
     for (const unsigned char b : bytes) {
         if (b < 0x80) {
-            text += static_cast<char>(b);
+            text[at++] = static_cast<char>(b);
         } else {
-            text += static_cast<char>(0xC0 | (b >> 6));
-            text += static_cast<char>(0x80 | (b & 0x3F));
+            text[at++] = static_cast<char>(0xC0 | (b >> 6));
+            text[at++] = static_cast<char>(0x80 | (b & 0x3F));
         }
     }
     return text;
 }
 
 std::string Utf8ToLatin1(std::string_view text) {
+    if (IsAscii(text)) return std::string(text);
     std::string bytes;
     bytes.reserve(text.size());
     for (size_t at = 0, length = 0; at < text.size(); at += length) {

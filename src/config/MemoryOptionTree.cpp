@@ -17,7 +17,12 @@ void MemoryOptionTree::Clear() {
 TreeNode* MemoryOptionTree::Add(TreeNode* relative, const std::string& key, const std::string& text) {
     auto* parent = dynamic_cast<MemoryTreeNode*>(relative);
     if (relative && !parent) return nullptr;
-    if (!key.empty() && byKey_.contains(key)) return nullptr;
+    MemoryTreeNode** slot = nullptr;
+    if (!key.empty()) {
+        const auto [entry, inserted] = byKey_.try_emplace(key, nullptr);
+        if (!inserted) return nullptr;
+        slot = &entry->second;
+    }
 
     auto node = std::make_unique<MemoryTreeNode>();
     node->key_ = key;
@@ -27,7 +32,7 @@ TreeNode* MemoryOptionTree::Add(TreeNode* relative, const std::string& key, cons
     node->siblings_ = &siblings;
     node->position_ = siblings.size();
     siblings.push_back(node.get());
-    if (!key.empty()) byKey_.emplace(key, node.get());
+    if (slot) *slot = node.get();
     nodes_.push_back(std::move(node));
     return nodes_.back().get();
 }

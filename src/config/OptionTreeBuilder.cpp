@@ -14,9 +14,18 @@
 namespace sb {
 namespace {
 
-std::string ConfigurationKey(int32_t index) { return "CONFIGURATION" + Uint32ToHex(index); }
-std::string OptionKey(int32_t option) { return "OPTION" + Uint32ToHex(option); }
-std::string ValueKey(int32_t option, int32_t entry) { return OptionKey(option) + "_VALUE" + Uint32ToHex(entry); }
+// An index in 8 upper-case hex digits, as Uint32ToHex writes it; a build
+// makes one a node, so it is written here directly.
+std::string IndexText(int32_t index) {
+    std::string digits(8, '0');
+    auto value = static_cast<uint32_t>(index);
+    for (int at = 7; at >= 0 && value != 0; --at, value >>= 4) digits[static_cast<size_t>(at)] = "0123456789ABCDEF"[value & 0xF];
+    return digits;
+}
+
+std::string ConfigurationKey(int32_t index) { return "CONFIGURATION" + IndexText(index); }
+std::string OptionKey(int32_t option) { return "OPTION" + IndexText(option); }
+std::string ValueKey(const std::string& optionKey, int32_t entry) { return optionKey + "_VALUE" + IndexText(entry); }
 
 bool IsListType(const std::string& type) { return type == "INT" || type == "BIN" || type == "STR"; }
 
@@ -56,7 +65,7 @@ public:
         tree_.Clear();
         TreeNode* root = tree_.Add(nullptr, key, cfg_.Name);
         if (root) {
-            root->SetTag(Uint32ToHex(index));
+            root->SetTag(IndexText(index));
             root->SetExpanded(true);
         }
         return root;
@@ -86,15 +95,20 @@ private:
         optNode.SetForeColor(locked ? kColorRed : kColorBlack);
         if (!IsListType(option.Type) && option.Type != "BITFIELD") return;
 
-        // The configuration's own value, needed only for nodes yet to make.
+        // The configuration's own value and the option's key, needed only
+        // for nodes yet to make.
         std::optional<std::string> own;
+        std::optional<std::string> optionKey;
         TreeNode* valNode = optNode.Child();
         const auto& entries = option.Values.Items;
         for (size_t j = 0; j < entries.size(); ++j) {
             const OptValue& entry = entries[j];
             if (!valNode) {
-                if (!own) own = GetOptionValue(cfg_.Data, option, shown);
-                valNode = NewValueNode(optNode, ValueKey(index, static_cast<int32_t>(j)), entry, option.Type,
+                if (!own) {
+                    own = GetOptionValue(cfg_.Data, option, shown);
+                    optionKey = OptionKey(index);
+                }
+                valNode = NewValueNode(optNode, ValueKey(*optionKey, static_cast<int32_t>(j)), entry, option.Type,
                                        *own, locked);
             }
             if (!valNode) continue;
