@@ -39,22 +39,23 @@ private:
 
 class QtOptionTree::Node final : public TreeNode {
 public:
-    Node(QtOptionTree& tree, QTreeWidgetItem* item, Node* parent, std::string key)
-        : tree_(tree), item_(item), parent_(parent), key_(std::move(key)) {}
+    Node(QtOptionTree& tree, QTreeWidgetItem* item, Node* parent, std::string key, std::string text)
+        : tree_(tree), item_(item), parent_(parent), key_(std::move(key)), text_(std::move(text)) {}
 
     TreeNode* Child() override { return firstChild_; }
     TreeNode* Next() override { return next_; }
 
-    std::string Text() const override { return Bytes(item_->text(0)); }
+    std::string Text() const override { return text_; }
     void SetText(const std::string& text) override {
-        const QString shown = Latin1(text);
-        if (item_->text(0) == shown) return;
+        if (text_ == text) return;
+        text_ = text;
         Writing writing(tree_);
-        item_->setText(0, shown);
+        item_->setText(0, Latin1(text));
     }
 
-    // The tag lives in its item role; a copy here spares the conversion
-    // on the many reads of a rebuild.
+    // Text, tag, colour, check box and bold live in the item; a copy of
+    // each here spares the item's lookups and conversions on the many reads
+    // of a rebuild.
     std::string Tag() const override { return tag_; }
     void SetTag(const std::string& tag) override {
         if (hasTag_ && tag_ == tag) return;
@@ -77,11 +78,14 @@ public:
     }
 
     void SetChecked(bool checked) override {
-        const Qt::CheckState state = checked ? Qt::Checked : Qt::Unchecked;
-        if (item_->checkState(0) == state) return;
+        if (checked_ == checked) return;
+        checked_ = checked;
         Writing writing(tree_);
-        item_->setCheckState(0, state);
+        item_->setCheckState(0, checked ? Qt::Checked : Qt::Unchecked);
     }
+
+    // A box that the user turned.
+    void TakeCheckState() { checked_ = item_->checkState(0) == Qt::Checked; }
 
     void SetBold(bool bold) override {
         if (bold_ == bold) return;
@@ -105,6 +109,7 @@ public:
     QTreeWidgetItem* item_;
     Node* parent_;
     std::string key_;
+    std::string text_;
     Node* firstChild_ = nullptr;
     Node* lastChild_ = nullptr;
     Node* next_ = nullptr;
@@ -113,12 +118,16 @@ public:
     bool hasTag_ = false;
     std::optional<uint32_t> color_;
     bool bold_ = false;
+    bool checked_ = false;
 };
 
 QtOptionTree::QtOptionTree(QTreeWidget& view) : view_(view) {
     itemChanged_ = QObject::connect(&view_, &QTreeWidget::itemChanged, &view_, [this](QTreeWidgetItem* item, int) {
-        if (writing_ > 0 || !onNodeCheck) return;
-        if (TreeNode* node = NodeOf(item)) onNodeCheck(*node);
+        if (writing_ > 0) return;
+        const auto found = byItem_.find(item);
+        if (found == byItem_.end()) return;
+        found->second->TakeCheckState();
+        if (onNodeCheck) onNodeCheck(*found->second);
     });
 }
 
@@ -147,7 +156,7 @@ TreeNode* QtOptionTree::Add(TreeNode* relative, const std::string& key, const st
     item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
     item->setCheckState(0, Qt::Unchecked);
 
-    auto node = std::make_unique<Node>(*this, item, parent, key);
+    auto node = std::make_unique<Node>(*this, item, parent, key, text);
     Node* added = node.get();
     {
         Writing writing(*this);
