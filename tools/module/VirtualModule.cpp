@@ -23,8 +23,9 @@ constexpr int kSpeedSampleMs = 20;
 // The boot loader answers RUN and starts the firmware when the opener
 // closes the device, or after this long.
 constexpr auto kRunGrace = std::chrono::milliseconds(1000);
-// The report follows the end of a transfer after this pause, so that it
-// comes behind the sender's last look at the line.
+// The report follows the end of a transfer once the line has been quiet for
+// this long: behind the sender's last look at the line, and behind the last
+// bytes a giving-up sender sends (its third CAN), which are dropped.
 constexpr int kReportDelayMs = 200;
 constexpr size_t kLongestLine = 1024 * 1024;
 
@@ -213,7 +214,7 @@ void VirtualModule::ReceiveFirmware(Wire& wire) {
     SaveState(state_.mode, state_.device);
     Log("transfer " + state_.transfer + ": " + std::to_string(result.blocks) + " blocks, " +
         std::to_string(result.image.size()) + " bytes");
-    wire.Pause(kReportDelayMs);
+    wire.Purge(kReportDelayMs);
     wire.Send(ok ? profile.ReportOk : profile.ReportFailed);
 }
 

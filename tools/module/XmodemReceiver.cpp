@@ -120,7 +120,6 @@ private:
 
     TransferResult Cancel() {
         wire_.Send(std::string(2, static_cast<char>(CAN)));
-        wire_.Purge(kPurgeQuietMs);
         return Ended(TransferOutcome::CancelledByModule);
     }
 

@@ -46,7 +46,7 @@ constexpr const char* kDescription =
     "starting the firmware. Each change of mode makes a new device, as a module on USB\n"
     "re-enumerates.\n\n"
     "The profile (KEY = VALUE lines, see data/SampleModule.profile) gives the answers\n"
-    "and the catalog. Texts given to the options below may hold \\r, \\n, \\t, \\\\ and \\xHH.";
+    "and the catalog. Texts given to the options below may hold \\r, \\n, \\t, \\\\ and \\xHH.\n";
 
 constexpr const char* kFooter =
     "Exit status: 0 after SIGTERM, SIGINT or SIGHUP, or when the device vanished by\n"
@@ -54,6 +54,14 @@ constexpr const char* kFooter =
     "2 when the pseudo-terminal, the registry or the link cannot be made.\n"
     "At the end the registry entry and the link are removed, and the state file says\n"
     "Mode=stopped or Mode=vanished.";
+
+// Counts and times: whole numbers from 0 on.
+const CLI::Validator kNotNegative(
+    [](std::string& text) {
+        const bool digits = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+        return digits ? std::string() : "\"" + text + "\" is no whole number of 0 or more";
+    },
+    "");
 
 // A text option whose escapes are read after the parse.
 struct EscapedOption {
@@ -64,65 +72,71 @@ struct EscapedOption {
 void AddModuleOptions(CLI::App& app, ModuleSettings& s, std::string& profilePath, std::string& xmodem,
                       std::string& firmwareOut) {
     app.add_option("--profile", profilePath, "Profile file; without one the module has an identity but no catalog")
+        ->type_name("PATH")
         ->check(CLI::ExistingFile);
     app.add_flag("--boot", s.startInBoot, "Start in the boot loader instead of the running firmware");
-    app.add_option("--name", s.entryName, "Name of the registry entry (default module-<process id>)");
-    app.add_option("--link", s.linkPath, "Keep a symbolic link here to the current device");
+    app.add_option("--name", s.entryName, "Name of the registry entry (default module-<process id>)")
+        ->type_name("NAME");
+    app.add_option("--link", s.linkPath, "Keep a symbolic link here to the current device")->type_name("PATH");
     app.add_option("--state-file", s.statePath,
-                   "Keep a file of KEY=VALUE lines here: Mode (running, boot, switching, stopped, vanished),\n"
-                   "Device, ProcessId, AppConfig, Transfer (none or the last transfer's outcome),\n"
-                   "FirmwareSize and FirmwareBlocks of the last image received");
-    app.add_option("--firmware-out", firmwareOut, "Write each firmware image received here (overrides FirmwareOut)");
-    app.add_option("--xmodem", xmodem, "crc or checksum: what the boot loader asks for (overrides Xmodem)")
+                   "Keep a file of KEY=VALUE lines here: Mode (running, boot, switching, stopped,\n"
+                   "vanished), Device, ProcessId, AppConfig, Transfer (none, or the outcome of the\n"
+                   "last transfer: complete, interrupted, ...), FirmwareSize and FirmwareBlocks of\n"
+                   "the last image received whole")
+        ->type_name("PATH");
+    app.add_option("--firmware-out", firmwareOut, "Write each firmware image received here (overrides FirmwareOut)")
+        ->type_name("PATH");
+    app.add_option("--xmodem", xmodem, "What the boot loader asks for at the handshake (overrides Xmodem)")
+        ->type_name("crc|checksum")
         ->check(CLI::IsMember({"crc", "checksum"}));
     app.add_option("--reenumerate-ms", s.reenumerateMs, "How long the module is away when it changes its mode")
+        ->type_name("MS")
         ->capture_default_str()
-        ->check(CLI::NonNegativeNumber);
+        ->check(kNotNegative);
     app.add_flag("--quiet", s.quiet, "No messages on standard error");
 }
 
 void AddFaultOptions(CLI::App& app, sb::module::ModuleFaults& f, std::deque<EscapedOption>& texts) {
     const std::string group = "Faults of the boot loader";
+    auto number = [&](const std::string& name, int& target, const char* unit, const std::string& help) {
+        return app.add_option(name, target, help)->type_name(unit)->check(kNotNegative)->group(group);
+    };
     auto text = [&](const std::string& name, std::string& target, const std::string& help) {
         texts.push_back({"", &target});
-        app.add_option(name, texts.back().raw, help)->group(group);
+        app.add_option(name, texts.back().raw, help)->type_name("TEXT")->group(group);
     };
-    app.add_flag("--silent", f.silent, "No echo and no answer to any command")->group(group);
-    app.add_option("--echo-pieces", f.framing.echoPieces, "Send the echo in N pieces, --piece-gap apart")->group(group);
-    app.add_option("--echo-delay", f.framing.echoDelayMs, "Wait MS before the echo")->group(group);
-    app.add_option("--answer-delay", f.framing.answerDelayMs, "Wait MS between the echo and the answer")->group(group);
-    app.add_option("--answer-pieces", f.framing.answerPieces,
-                   "Send what follows the echo (LF, answer, prompt) in N pieces, the first --piece-gap\n"
-                   "behind the echo")
-        ->group(group);
-    app.add_option("--piece-gap", f.framing.pieceGapMs, "MS between two pieces")->capture_default_str()->group(group);
+    auto flag = [&](const std::string& name, bool& target, const std::string& help) {
+        app.add_flag(name, target, help)->group(group);
+    };
+    flag("--silent", f.silent, "No echo and no answer to any command");
+    number("--echo-pieces", f.framing.echoPieces, "N", "Send the echo in N pieces, --piece-gap apart");
+    number("--echo-delay", f.framing.echoDelayMs, "MS", "Wait before the echo");
+    number("--answer-delay", f.framing.answerDelayMs, "MS", "Wait between the echo and the rest");
+    number("--answer-pieces", f.framing.answerPieces, "N",
+           "Send what follows the echo (LF, answer, prompt) in N pieces,\nthe first --piece-gap behind the echo");
+    number("--piece-gap", f.framing.pieceGapMs, "MS", "Between two pieces")->capture_default_str();
     text("--noise", f.framing.noise, "Send TEXT in front of the echo");
-    app.add_flag("--no-lf", f.framing.noLineFeed, "No LF behind the echo's CR")->group(group);
+    flag("--no-lf", f.framing.noLineFeed, "No LF behind the echo's CR");
     text("--after-prompt", f.framing.afterPrompt, "Send TEXT behind the prompt");
-    app.add_flag("--lowercase-ok", f.answers.lowerCaseOk, "Answer \"ok\" to SETAPPCFG")->group(group);
-    app.add_flag("--error-all", f.answers.errorAll, "Answer \"Error!\" to every command")->group(group);
-    app.add_option("--error-on", f.answers.errorOn, "Answer \"Error!\" to COMMAND (repeatable), e.g. GETSN")
+    flag("--lowercase-ok", f.answers.lowerCaseOk, "Answer \"ok\" to SETAPPCFG");
+    flag("--error-all", f.answers.errorAll, "Answer \"Error!\" to every command");
+    app.add_option("--error-on", f.answers.errorOn, "Answer \"Error!\" to COMMAND, e.g. GETSN; may be repeated")
+        ->type_name("COMMAND")
+        ->allow_extra_args(false)
         ->group(group);
-    app.add_flag("--wrong-uid", f.answers.wrongUid, "GETUID gives a UID that CLROTP refuses")->group(group);
-    app.add_option("--uid-length", f.answers.uidLength, "GETUID gives N characters (cut, or filled with 0)")
-        ->group(group);
-    app.add_flag("--catalog-broken", f.answers.catalogBroken, "GETINFOFILE gives the first half of the catalog")
-        ->group(group);
-    app.add_flag("--catalog-missing", f.answers.catalogMissing, "Answer \"Error!\" to GETINFOFILE")->group(group);
-    app.add_option("--config-length", f.answers.configLength,
-                   "GETAPPCFG gives N bytes (cut, or filled with zero bytes)")
-        ->group(group);
-    app.add_option("--vanish-after-commands", f.vanishAfterCommands,
-                   "Answer N commands, then vanish when the next one comes")
-        ->group(group);
-    app.add_option("--vanish-after-blocks", f.xmodem.vanishAfterBlocks,
-                   "Take N blocks of a transfer, then vanish when the next one comes")
-        ->group(group);
-    app.add_option("--xmodem-cancel-after", f.xmodem.cancelAfterBlocks,
-                   "Take N blocks, then answer the next one with CAN CAN")
-        ->group(group);
-    app.add_flag("--xmodem-refuse", f.xmodem.refuseBlocks, "Answer every block with NAK")->group(group);
-    app.add_flag("--xmodem-no-eot-ack", f.xmodem.ignoreEot, "Never acknowledge the EOT")->group(group);
+    flag("--wrong-uid", f.answers.wrongUid, "GETUID gives a UID that CLROTP refuses");
+    number("--uid-length", f.answers.uidLength, "N", "GETUID gives N characters (cut, or filled with 0)");
+    flag("--catalog-broken", f.answers.catalogBroken, "GETINFOFILE gives the first half of the catalog");
+    flag("--catalog-missing", f.answers.catalogMissing, "Answer \"Error!\" to GETINFOFILE");
+    number("--config-length", f.answers.configLength, "N", "GETAPPCFG gives N bytes (cut, or filled with zero bytes)");
+    number("--vanish-after-commands", f.vanishAfterCommands, "N",
+           "Answer N commands, then vanish when the next one comes");
+    number("--vanish-after-blocks", f.xmodem.vanishAfterBlocks, "N",
+           "Take N blocks of a transfer, then vanish when the next one comes");
+    number("--xmodem-cancel-after", f.xmodem.cancelAfterBlocks, "N",
+           "Take N blocks, then answer the next one with CAN CAN");
+    flag("--xmodem-refuse", f.xmodem.refuseBlocks, "Answer every block with NAK");
+    flag("--xmodem-no-eot-ack", f.xmodem.ignoreEot, "Never acknowledge the EOT");
 }
 
 }  // namespace
@@ -141,7 +155,7 @@ int main(int argc, char** argv) {
         for (const EscapedOption& text : texts) *text.target = sb::module::UnescapeText(text.raw);
         settings.profile = profilePath.empty() ? sb::module::BuiltInProfile() : sb::module::LoadProfile(profilePath);
     } catch (const CLI::ParseError& e) {
-        return app.exit(e);
+        return app.exit(e) == 0 ? 0 : 1;
     } catch (const std::exception& e) {
         std::cerr << "servicebay-module: " << e.what() << "\n";
         return 1;
