@@ -4,11 +4,14 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
+#include "ui/ShowOnly.h"
+
 namespace sb::ui {
 
 void LayOutValueBox(QDialog& form, QLabel& lenLabel, QLineEdit& len, QPlainTextEdit& value, QLayout* modes,
                     QPushButton& ok, QPushButton& cancel) {
     len.setEnabled(false);
+    KeepReadable(len);
     len.setMaximumWidth(form.fontMetrics().horizontalAdvance(QStringLiteral("0000000000")));
     // Hex text lines up in a fixed-width font.
     value.setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));

@@ -9,6 +9,7 @@
 #include "ui/Latin1.h"
 #include "ui/MessageBox.h"
 #include "ui/Named.h"
+#include "ui/ShowOnly.h"
 
 namespace sb::ui {
 
@@ -19,9 +20,11 @@ frmIntValEdit::frmIntValEdit(QWidget* parent) : QDialog(parent) {
     Label1 = Named(new QLabel(QStringLiteral("Min"), this), "Label1");
     txtMin = Named(new QLineEdit(this), "txtMin");
     txtMin->setEnabled(false);
+    KeepReadable(*txtMin);
     Label2 = Named(new QLabel(QStringLiteral("Max"), this), "Label2");
     txtMax = Named(new QLineEdit(this), "txtMax");
     txtMax->setEnabled(false);
+    KeepReadable(*txtMax);
     Label3 = Named(new QLabel(QStringLiteral("Value"), this), "Label3");
     txtOptValue = Named(new QLineEdit(this), "txtOptValue");
     optDecHex_0 = Named(new QRadioButton(QStringLiteral("Hex"), this), "optDecHex_0");

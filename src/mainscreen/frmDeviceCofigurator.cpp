@@ -5,7 +5,6 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QMenuBar>
-#include <QPalette>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -15,6 +14,7 @@
 #include "mainscreen/UpdateScreens.h"
 #include "ui/ModalDialog.h"
 #include "ui/Named.h"
+#include "ui/ShowOnly.h"
 
 namespace sb::ui {
 namespace {
@@ -30,13 +30,6 @@ QPlainTextEdit* ShowOnlyLines(QWidget* parent, const char* name, int lines) {
     box->setEnabled(false);
     box->setMinimumHeight(box->fontMetrics().lineSpacing() * lines + 10);
     return box;
-}
-
-// The boxes show and take no input; their text stays dark enough to read.
-void KeepReadable(QWidget& box) {
-    QPalette palette = box.palette();
-    palette.setColor(QPalette::Disabled, QPalette::Text, palette.color(QPalette::Active, QPalette::WindowText));
-    box.setPalette(palette);
 }
 
 void AddRow(QGridLayout& grid, QLabel* label, QWidget* box) {

@@ -134,13 +134,9 @@ TEST(OfflineRun, EachRoadOfFailureSaysWhyAndClearsTheScreen) {
     } cases[] = {
         {"no file", "", {"File was not found: PATH", "Module do not support info file feature"}, false, 0},
         {"catalog refused", replaced("L=\"8\"", "L=\"4\""), {"Module do not support info file feature"}, true, 0},
-        // The attribute must read "0" exactly. The last entry becomes the
-        // working image, and its data carry an Id that no entry has.
-        {"no module configuration",
-         replaced("I=\"0\"", "I=\"00\""),
-         {"Module has wrong configuration", "Something wrong"},
-         true,
-         3},
+        // The attribute must read "0" exactly; the last entry becomes the
+        // working image.
+        {"no module configuration", replaced("I=\"0\"", "I=\"00\""), {"Module has wrong configuration"}, true, 3},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -167,8 +163,9 @@ TEST(OfflineRun, EachRoadOfFailureSaysWhyAndClearsTheScreen) {
             EXPECT_FALSE(failing.cmdWriteConfig->isEnabled());
             EXPECT_FALSE(failing.cmbConfigList->isEnabled());
         } else {
-            EXPECT_EQ(failing.cmbConfigList->currentText(), "Odd");
-            EXPECT_EQ(failing.CfgEditedText(), "0500000000000000");
+            EXPECT_EQ(failing.cmbConfigList->currentText(), "Car");
+            EXPECT_EQ(failing.CfgEditedText(), kCarImage);
+            EXPECT_EQ(failing.tvOptions->topLevelItem(0)->text(0), "Car");
         }
     }
 }

@@ -120,9 +120,9 @@ TEST_F(OptionEditing, MembersSwitchByTheirMasks) {
 }
 
 TEST_F(OptionEditing, LockedOptionsKeepTheConfigurationsValue) {
-    Select(1);
+    Select(2);
     ASSERT_EQ(screen.CfgEdited(), kCarImage);
-    EXPECT_EQ(screen.Text("CONFIGURATION00000001"), "Car");
+    EXPECT_EQ(screen.Text("CONFIGURATION00000002"), "Car");
     EXPECT_EQ(screen.Color("OPTION00000002"), "red");
     EXPECT_EQ(screen.Color("OPTION00000002_VALUE00000002"), "red");
     EXPECT_EQ(screen.Color("OPTION00000002_VALUE00000000"), "gray");
@@ -263,8 +263,8 @@ TEST_F(OptionEditing, SelectAppliesAWholeConfiguration) {
     EXPECT_EQ(form.txtConfigInfo->toPlainText(), "as the module left the factory");
 
     screen.ClickBox("OPTION00000002_VALUE00000000");  // an edit, taken back below
-    form.cmbConfigList->setCurrentIndex(1);
-    emit form.cmbConfigList->activated(1);
+    form.cmbConfigList->setCurrentIndex(2);
+    emit form.cmbConfigList->activated(2);
     EXPECT_EQ(form.lblShortInfoCfgName->text(), "Short info for configuration: Car");
     EXPECT_EQ(form.txtConfigInfo->toPlainText(), "for cars");
     EXPECT_EQ(screen.CfgEdited(), "000000000F20415A");  // a choice alone changes nothing
@@ -280,7 +280,7 @@ TEST_F(OptionEditing, SelectAppliesAWholeConfiguration) {
     EXPECT_TRUE(messages.texts.empty());
 
     // An entry whose data carry an Id that no entry has.
-    Select(2);
+    Select(1);
     EXPECT_EQ(messages.texts, std::vector<std::string>{"Something wrong"});
     EXPECT_EQ(form.tvOptions->topLevelItemCount(), 0);
     EXPECT_EQ(screen.CfgEdited(), "0500000000000000");
@@ -290,7 +290,7 @@ TEST_F(OptionEditing, SelectAppliesAWholeConfiguration) {
 TEST_F(OptionEditing, EditOfTheIdMovesTheTreeToThatConfiguration) {
     screen.ClickBox("OPTION00000000_VALUE00000001");  // Type: Car, Id 00000004
     EXPECT_EQ(screen.CfgEdited(), "040000000F21415A");
-    EXPECT_EQ(screen.Text("CONFIGURATION00000001"), "Car");
+    EXPECT_EQ(screen.Text("CONFIGURATION00000002"), "Car");
     EXPECT_EQ(screen.Color("OPTION00000002"), "red");
 }
 

@@ -8,8 +8,8 @@
 //   4 Key     BIN  bits 48-55
 //   5 Tag     STR  bits 56-63
 //   6 Hidden  INT  bits 56-63, never visible
-// "Module" (Id 0) shows options 0-5 and locks none; "Car" (Id 4) locks Mode
-// and Lamps; "Odd" says Id 9 but its data begin with 5. The C with I "0" is
+// "Module" (Id 0) shows options 0-5 and locks none; "Odd" says Id 9 but its
+// data begin with 5; "Car" (Id 4) locks Mode and Lamps. The C with I "0" is
 // the module's configuration of the offline run.
 namespace sb::test {
 
@@ -26,8 +26,8 @@ inline constexpr const char* kTestCatalog = R"(<?xml version="1.0"?>
  <O N="Hidden" S="38" L="8" T="INT"/>
 </OPTS><PDF>
  <C I="0" N="Module" V="3F" D="0" H="as the module left the factory">00000000 0F 21 41 5A</C>
- <C I="4" N="Car" V="3F" D="0C" H="for cars">04000000 14 02 00 58</C>
  <C I="9" N="Odd">05000000 00 00 00 00</C>
+ <C I="4" N="Car" V="3F" D="0C" H="for cars">04000000 14 02 00 58</C>
 </PDF></CFG>
 )";
 
