@@ -4,6 +4,8 @@
 #include <QDir>
 #include <QMessageBox>
 #include <QPushButton>
+#include <string>
+#include <vector>
 
 #include "helpers/HexText.h"
 #include "helpers/Waiting.h"
@@ -42,8 +44,8 @@ void Photograph(Camera& camera, QDialog& dialog) {
 }
 
 // Opens the value edit form of the first visible option of this type that
-// has no list, through a double click on its node.
-void EditFirstOfType(frmDeviceCofigurator& form, const std::string& type) {
+// has no list, through a double click on its node; false when there is none.
+bool EditFirstOfType(frmDeviceCofigurator& form, const std::string& type) {
     const DeviceInfo& device = form.Device();
     for (int32_t i = 0; i < device.Options.Count(); ++i) {
         const OptionRec& option = device.Options.Items[static_cast<size_t>(i)];
@@ -52,8 +54,14 @@ void EditFirstOfType(frmDeviceCofigurator& form, const std::string& type) {
         if (!node) continue;
         form.Tree().SetSelectedItem(node);
         emit form.tvOptions->dblClick();
-        return;
+        return true;
     }
+    return false;
+}
+
+// Each value edit form once, from the tree at hand.
+void EditEachType(frmDeviceCofigurator& form, std::vector<std::string>& left) {
+    std::erase_if(left, [&](const std::string& type) { return EditFirstOfType(form, type); });
 }
 
 }  // namespace
@@ -71,12 +79,16 @@ int TakeDemoScreenshots(frmDeviceCofigurator& form, const QString& folder) {
 
     camera.Take(form, QStringLiteral("main-start"));
     form.cmdRdDevInfo->click();
-    // The first option's list open, so that entries and their states show.
-    if (TreeNode* first = form.Tree().Find("OPTION00000000")) form.Tree().ItemOf(*first)->setExpanded(true);
+    // Lists and bit fields open, so that entries and their states show.
+    form.tvOptions->expandAll();
     camera.Take(form, QStringLiteral("main"));
-    for (const char* type : {"INT", "BIN", "STR"}) EditFirstOfType(form, type);
+    std::vector<std::string> types = {"INT", "BIN", "STR"};
+    EditEachType(form, types);
+    form.cmdWriteConfig->click();
     form.mnuOfflineRead->trigger();
+    form.tvOptions->expandAll();
     camera.Take(form, QStringLiteral("main-offline"));
+    EditEachType(form, types);
 
     SetModalHandler({});
     SetMessageHandler({});
