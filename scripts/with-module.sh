@@ -22,6 +22,7 @@ stop_module() {
   rm -rf "$work"
 }
 trap stop_module EXIT
+trap 'exit 130' INT TERM
 
 export SERVICEBAY_REGISTRY="$work/registry"
 export SERVICEBAY_MODULE_PORT="$work/module"
