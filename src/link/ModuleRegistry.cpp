@@ -103,7 +103,9 @@ std::string ModuleRegistryFolder() {
 void PublishModule(const std::string& entryName, const RegisteredModule& module) {
     const std::string path = EntryPath(entryName);
     std::error_code error;
-    std::filesystem::create_directories(ModuleRegistryFolder(), error);
+    // Only its owner may write in a folder that can lie in /tmp.
+    if (std::filesystem::create_directories(ModuleRegistryFolder(), error))
+        std::filesystem::permissions(ModuleRegistryFolder(), std::filesystem::perms::owner_all, error);
     if (error) throw std::system_error(error, "cannot create the module registry " + ModuleRegistryFolder());
     const std::string text = Field("DevicePath", module.DevicePath) + Field("PNPDeviceID", module.PNPDeviceID) +
                              Field("Description", module.Description) + Field("ProcessId", std::to_string(::getpid()));
