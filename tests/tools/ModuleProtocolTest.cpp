@@ -120,14 +120,6 @@ TEST_F(BootLoaderProtocol, EchoDelayHoldsTheWholeReply) {
     EXPECT_GE(MsSince(start), 550);
 }
 
-TEST_F(BootLoaderProtocol, WrongUidIsRefusedByClrotp) {
-    ModuleProcess module(folder, {"--boot", "--profile", WriteProfile(), "--wrong-uid"});
-    DeviceLine line(module.Device());
-    const std::string reply = line.Exchange("GETUID\r");
-    const std::string uid = reply.substr(7, 16);
-    EXPECT_EQ(line.Exchange("CLROTP " + uid + "\r"), Framed("CLROTP " + uid, "Error!"));
-}
-
 TEST_F(BootLoaderProtocol, VanishesWhenTheCommandAfterTheLastAnsweredComes) {
     ModuleProcess module(folder, {"--boot", "--profile", WriteProfile(), "--vanish-after-commands", "2"});
     const std::string device = module.Device();
