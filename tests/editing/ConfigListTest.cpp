@@ -61,17 +61,5 @@ TEST(ReadedConfig, AnythingButTwoDigitsAByteIsTheWrongLength) {
     }
 }
 
-TEST(ConfigList, InfoOfTheSelectedEntryOrNone) {
-    const DeviceInfo device = CatalogOfFiveBytes("");
-    const auto second = InfoOfEntry(device, 1, 3);
-    EXPECT_EQ(second.Info, "second");
-    EXPECT_EQ(second.Caption, "Short info for configuration: Van");
-    for (const auto& [index, count] : {std::pair{-1, 3}, {3, 4}, {2, 2}}) {
-        const auto none = InfoOfEntry(device, index, count);
-        EXPECT_EQ(none.Info, "");
-        EXPECT_EQ(none.Caption, "Short info");
-    }
-}
-
 }  // namespace
 }  // namespace sb

@@ -39,29 +39,6 @@ TEST(MainScreen, StartsWithOnlyReadInfo) {
     EXPECT_TRUE(form.Command1->isHidden());
     EXPECT_FALSE(form.cmbConfigList->isEnabled());
 
-    const struct {
-        const char* frame;
-        const char* title;
-        std::vector<std::pair<const char*, const char*>> rows;  // label, caption
-    } frames[] = {
-        {"Frame6", "Module info",
-         {{"Label4", "Serial Number"}, {"Label5", "Product Date"}, {"Label6", "Version"}, {"Label7", "Name"},
-          {"Label8", "VIN"}}},
-        {"Frame7", "Firmware info",
-         {{"Label9", "Name"}, {"Label10", "Software Version"}, {"Label11", "Hardware Version"},
-          {"Label12", "Full Info"}}},
-        {"Frame5", "Module configuration",
-         {{"Label2", "Predefined configurations"}, {"lblShortInfoCfgName", "Short configuration info"},
-          {"Label1", "Readed Configuration"}}},
-    };
-    for (const auto& f : frames) {
-        auto* frame = form.findChild<QGroupBox*>(f.frame);
-        ASSERT_NE(frame, nullptr) << f.frame;
-        EXPECT_EQ(frame->title(), f.title);
-        for (const auto& [label, caption] : f.rows) EXPECT_EQ(frame->findChild<QLabel*>(label)->text(), caption);
-    }
-    EXPECT_EQ(form.Label3->text(), "Configuration Data for write");
-
     // The boxes only show: nobody types in them.
     for (const char* box : {"txtSN", "txtPDate", "txtPVer", "txtPName", "txtVIN", "txtFWName", "txtFWVer", "txtHWVer",
                             "txtAppInfo", "txtConfigInfo", "txtAppConfig", "txtCfgEdited"}) {
@@ -71,21 +48,9 @@ TEST(MainScreen, StartsWithOnlyReadInfo) {
     }
     for (const char* name : {"tvOptions", "StatusBar", "cmbConfigList"}) EXPECT_NE(form.findChild<QWidget*>(name), nullptr);
 
-    EXPECT_EQ(form.mnuTools->title(), "Tools");
-    EXPECT_EQ(form.mnuEditor->text(), "Data Base Viewer/Editor");
     // The selection dialog is loaded, hidden, at the start.
     EXPECT_EQ(form.PortControl().objectName(), "frmPortControl");
     EXPECT_TRUE(form.PortControl().isHidden());
-}
-
-TEST(MainScreen, DataBaseEditorDoesNothing) {
-    Screen screen;
-    MessageRecorder messages;
-    ModalScript modal;
-    screen.form.mnuEditor->trigger();
-    EXPECT_TRUE(messages.texts.empty());
-    EXPECT_TRUE(modal.shown.empty());
-    EXPECT_FALSE(screen.form.cmdWriteConfig->isEnabled());
 }
 
 TEST(OfflineRun, FillsTheScreenLikeARead) {
@@ -168,20 +133,6 @@ TEST(OfflineRun, EachRoadOfFailureSaysWhyAndClearsTheScreen) {
             EXPECT_EQ(failing.tvOptions->topLevelItem(0)->text(0), "Car");
         }
     }
-}
-
-TEST(OfflineRun, SecondRunOverAnEditedTreeStartsAfresh) {
-    CatalogFolder catalog(kTestCatalog);
-    Screen screen(catalog.Path());
-    MessageRecorder messages;
-    screen.form.Command1->click();
-    screen.ClickBox("OPTION00000002_VALUE00000000");
-    ASSERT_NE(screen.CfgEdited(), kModuleImage);
-    screen.form.Command1->click();
-    EXPECT_EQ(screen.CfgEdited(), kModuleImage);
-    EXPECT_TRUE(screen.On("OPTION00000002_VALUE00000001"));
-    EXPECT_EQ(screen.form.cmbConfigList->count(), 4);
-    EXPECT_TRUE(messages.texts.empty());
 }
 
 TEST(MainScreen, ClosingUnloadsTheOtherFormsInTheirOrder) {
