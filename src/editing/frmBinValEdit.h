@@ -1,17 +1,14 @@
 #pragma once
-#include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QPushButton>
 #include <string>
+
+#include "editing/ValueFormBase.h"
 
 namespace sb::ui {
 
 // "Value edit" for a BIN option: hex text of exactly the length in txtLen.
 // EditValue is hex text: the start value until a good entry, then the
 // entered bytes with one blank between them.
-class frmBinValEdit final : public QDialog {
+class frmBinValEdit final : public ValueBoxForm {
     Q_OBJECT
 public:
     explicit frmBinValEdit(QWidget* parent = nullptr);
@@ -20,16 +17,8 @@ public:
     // txtValue.
     void Fill(const std::string& caption, int length, const std::string& value);
 
-    std::string EditValue;
-
-    QLabel* Label1;
-    QLineEdit* txtLen;
-    QPlainTextEdit* txtValue;
-    QPushButton* cmdOK;
-    QPushButton* cmdCancel;
-
 private:
-    void cmdOK_Click();
+    void cmdOK_Click() override;
 };
 
 }  // namespace sb::ui

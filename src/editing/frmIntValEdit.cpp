@@ -1,38 +1,28 @@
 #include "editing/frmIntValEdit.h"
 
-#include <QButtonGroup>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
 #include "editing/IntValueEntry.h"
 #include "ui/Latin1.h"
-#include "ui/MessageBox.h"
 #include "ui/Named.h"
 #include "ui/ShowOnly.h"
 
 namespace sb::ui {
 
-frmIntValEdit::frmIntValEdit(QWidget* parent) : QDialog(parent) {
-    setObjectName(QStringLiteral("frmIntValEdit"));
-    setWindowTitle(QStringLiteral("Value edit"));
-
+frmIntValEdit::frmIntValEdit(QWidget* parent) : ValueEditForm("frmIntValEdit", parent) {
     Label1 = Named(new QLabel(QStringLiteral("Min"), this), "Label1");
-    txtMin = Named(new QLineEdit(this), "txtMin");
-    txtMin->setEnabled(false);
-    KeepReadable(*txtMin);
+    txtMin = ShowOnlyBox(this, "txtMin");
     Label2 = Named(new QLabel(QStringLiteral("Max"), this), "Label2");
-    txtMax = Named(new QLineEdit(this), "txtMax");
-    txtMax->setEnabled(false);
-    KeepReadable(*txtMax);
+    txtMax = ShowOnlyBox(this, "txtMax");
     Label3 = Named(new QLabel(QStringLiteral("Value"), this), "Label3");
     txtOptValue = Named(new QLineEdit(this), "txtOptValue");
     optDecHex_0 = Named(new QRadioButton(QStringLiteral("Hex"), this), "optDecHex_0");
     optDecHex_1 = Named(new QRadioButton(QStringLiteral("Dec"), this), "optDecHex_1");
-    cmdOK = Named(new QPushButton(QStringLiteral("OK"), this), "cmdOK");
     cmdOK->setDefault(true);
-    cmdCancel = Named(new QPushButton(QStringLiteral("Cancel"), this), "cmdCancel");
-    for (QLineEdit* box : {txtMin, txtMax, txtOptValue}) box->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("4294967295__")));
+    const int wide = fontMetrics().horizontalAdvance(QStringLiteral("4294967295__"));
+    for (QLineEdit* box : {txtMin, txtMax, txtOptValue}) box->setMinimumWidth(wide);
 
     auto* boxes = new QGridLayout;
     boxes->addWidget(Label1, 0, 0);
@@ -45,29 +35,13 @@ frmIntValEdit::frmIntValEdit(QWidget* parent) : QDialog(parent) {
     radix->addWidget(optDecHex_0);
     radix->addWidget(optDecHex_1);
     radix->addStretch();
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(cmdOK);
-    buttons->addWidget(cmdCancel);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(boxes);
     layout->addLayout(radix);
-    layout->addLayout(buttons);
+    layout->addLayout(ButtonRow());
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
-    auto* group = new QButtonGroup(this);
-    group->addButton(optDecHex_0, 0);
-    group->addButton(optDecHex_1, 1);
-    // A button that becomes set raises its click, also when the caller sets it.
-    connect(group, &QButtonGroup::idToggled, this, [this](int index, bool checked) {
-        if (checked) optDecHex_Click(index);
-    });
-    connect(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
-    connect(cmdCancel, &QPushButton::clicked, this, [this] { hide(); });
-
-    // Set when the form is created; nothing to convert yet.
-    const QSignalBlocker quiet(group);
-    optDecHex_0->setChecked(true);
+    JoinOptionButtons(optDecHex_0, optDecHex_1, [this](int index) { optDecHex_Click(index); });
 }
 
 void frmIntValEdit::Fill(const std::string& caption, const std::string& min, const std::string& max,
@@ -93,14 +67,7 @@ void frmIntValEdit::optDecHex_Click(int index) {
 void frmIntValEdit::cmdOK_Click() {
     const Radix radix = optDecHex_1->isChecked() ? Radix::Dec : Radix::Hex;
     const IntBoxes boxes{Bytes(txtMin->text()), Bytes(txtMax->text()), Bytes(txtOptValue->text())};
-    const EntryCheck check = CheckIntEntry(radix, boxes, EditValue);
-    if (check.Accepted) {
-        EditValue = check.EditValue;
-        hide();
-        return;
-    }
-    ShowMessage(kWrongValueEntered);
-    txtOptValue->setText(Latin1(check.BoxText));
+    Conclude(CheckIntEntry(radix, boxes, EditValue), [this](const QString& box) { txtOptValue->setText(box); });
 }
 
 }  // namespace sb::ui

@@ -2,17 +2,13 @@
 // stand for the module, and catalog and configuration come from
 // ConfigOptions.xml, whose C with the attribute I "0" plays the module's
 // configuration. No port is opened and nothing is sent.
-#include "config/Catalog.h"
 #include "config/CatalogFile.h"
 #include "editing/ConfigList.h"
 #include "helpers/HexText.h"
 #include "mainscreen/frmDeviceCofigurator.h"
-#include "ui/MessageBox.h"
 
 namespace sb::ui {
 namespace {
-
-constexpr const char* kNoInfoFile = "Module do not support info file feature";
 
 DeviceInfo Placeholders() {
     DeviceInfo info;
@@ -41,8 +37,7 @@ void frmDeviceCofigurator::Command1_Click() {
     DeviceInfo local = Placeholders();
     const CatalogFile file = LoadCatalogFile(configOptionsPath_);
     if (!file.Loaded) {
-        ShowMessage(file.Reason);
-        ShowMessage(kNoInfoFile);
+        SayCatalogRefused(file.Reason);
         return;
     }
     local.AppConfig = file.AppConfig;

@@ -60,6 +60,10 @@ void frmDeviceCofigurator::SetCfgEdited(const std::string& text) {
 
 void frmDeviceCofigurator::txtCfgEdited_Change() {
     txtCfgEditedDataChanged_ = true;
+    BuildTreeOrSay();
+}
+
+void frmDeviceCofigurator::BuildTreeOrSay() {
     // The tree always shows the image, never the box's text.
     if (!BuildOptionTree(device_.CfgImage, device_, *tree_)) ShowMessage(kSomethingWrong);
 }

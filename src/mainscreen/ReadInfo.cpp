@@ -1,7 +1,6 @@
 // "Read info": the run of a press of cmdRdDevInfo and the configuration that
 // follows from the module's answers.
 #include "config/Catalog.h"
-#include "config/ConfigTool.h"
 #include "editing/ConfigList.h"
 #include "helpers/HexText.h"
 #include "helpers/Waiting.h"
@@ -20,7 +19,6 @@ constexpr const char* kScanning = "Scan for connected devices";
 constexpr const char* kCommPortError = "CommPort Error";
 constexpr const char* kNoInfoFile = "Module do not support info file feature";
 constexpr const char* kWrongConfiguration = "Module has wrong configuration";
-constexpr const char* kSomethingWrong = "Something wrong";
 constexpr double kAfterOpeningMs = 500;
 
 void Show(QLineEdit& box, const std::string& text) {
@@ -35,7 +33,6 @@ void frmDeviceCofigurator::cmdRdDevInfo_Click() {
     BusyAction busy(*this);
     cmdRdDevInfo->setEnabled(false);
     cmdFWUpdate->setEnabled(false);
-    status_->SetText(kScanning);
     // Cancel and "Not Found" end the run without a word.
     if (OpenChosenPort(kCommPortError, nullptr)) ReadOpenModule();
     ClosePortQuietly();
@@ -44,6 +41,7 @@ void frmDeviceCofigurator::cmdRdDevInfo_Click() {
 }
 
 bool frmDeviceCofigurator::OpenChosenPort(const char* errorCaption, const char* noPortMessage) {
+    status_->SetText(kScanning);
     try {
         portControl_->UpdatePortList();
         ShowModal(*portControl_);
@@ -109,17 +107,20 @@ void frmDeviceCofigurator::ConfigurationAfterRead(DeviceInfo& local) {
     // exactly once, whether or not the text of the box changes.
     txtCfgEditedDataChanged_ = false;
     SetCfgEdited(BytesToHex(device_.CfgImage));
-    if (!txtCfgEditedDataChanged_ && !BuildOptionTree(device_.CfgImage, device_, *tree_))
-        ShowMessage(kSomethingWrong);
+    if (!txtCfgEditedDataChanged_) BuildTreeOrSay();
     if (!device_.CfgImage.empty()) cmdWriteConfig->setEnabled(true);
 }
 
 bool frmDeviceCofigurator::LoadCatalogOrSay(DeviceInfo& local) {
     std::string reason;
     if (LoadCatalog(local, reason)) return true;
+    SayCatalogRefused(reason);
+    return false;
+}
+
+void frmDeviceCofigurator::SayCatalogRefused(const std::string& reason) {
     if (!reason.empty()) ShowMessage(reason);
     ShowMessage(kNoInfoFile);
-    return false;
 }
 
 void frmDeviceCofigurator::TakeCatalogIn(DeviceInfo& local) {

@@ -11,7 +11,6 @@
 namespace sb::ui {
 namespace {
 
-constexpr const char* kScanning = "Scan for connected devices";
 constexpr const char* kComPortError = "COMPort Error";
 constexpr const char* kNoBootDevice = "Cant find device in boot mode";
 constexpr const char* kWrongData = "Error! Config was not set\r\nWrong data context!";
@@ -27,7 +26,6 @@ void frmDeviceCofigurator::cmdWriteConfig_Click() {
     // The whole form is locked: only the selection dialog and the message
     // boxes take input meanwhile.
     setEnabled(false);
-    status_->SetText(kScanning);
     if (OpenChosenPort(kComPortError, kNoBootDevice)) {
         WaitMs(kBeforeCommandMs);
         if (!closeRequested_) WriteToOpenModule();

@@ -1,36 +1,20 @@
 #include "mainscreen/frmDeviceCofigurator.h"
 
-#include <QCloseEvent>
 #include <QFontDatabase>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QMenuBar>
-#include <QSplitter>
 #include <QVBoxLayout>
 
 #include "helpers/HexText.h"
 #include "link/QtSerialPort.h"
 #include "mainscreen/ConfigOptionsFile.h"
 #include "mainscreen/UpdateScreens.h"
-#include "ui/ModalDialog.h"
 #include "ui/Named.h"
 #include "ui/ShowOnly.h"
 
 namespace sb::ui {
 namespace {
-
-QLineEdit* ShowOnlyBox(QWidget* parent, const char* name) {
-    auto* box = Named(new QLineEdit(parent), name);
-    box->setEnabled(false);
-    return box;
-}
-
-QPlainTextEdit* ShowOnlyLines(QWidget* parent, const char* name, int lines) {
-    auto* box = Named(new QPlainTextEdit(parent), name);
-    box->setEnabled(false);
-    box->setMinimumHeight(box->fontMetrics().lineSpacing() * lines + 10);
-    return box;
-}
 
 void AddRow(QGridLayout& grid, QLabel* label, QWidget* box) {
     const int row = grid.rowCount();
@@ -110,10 +94,6 @@ void frmDeviceCofigurator::BuildControls() {
     Label1 = Named(new QLabel(QStringLiteral("Readed Configuration"), Frame5), "Label1");
     txtAppConfig = ShowOnlyLines(Frame5, "txtAppConfig", 3);
     txtAppConfig->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-
-    for (QWidget* box : std::initializer_list<QWidget*>{txtSN, txtPDate, txtPVer, txtPName, txtVIN, txtFWName, txtFWVer,
-                                                        txtHWVer, txtAppInfo, txtConfigInfo, txtAppConfig, txtCfgEdited})
-        KeepReadable(*box);
 
     mnuTools = Named(menuBar()->addMenu(QStringLiteral("Tools")), "mnuTools");
     mnuEditor = Named(mnuTools->addAction(QStringLiteral("Data Base Viewer/Editor")), "mnuEditor");

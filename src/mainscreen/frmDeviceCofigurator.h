@@ -151,6 +151,9 @@ private:
     void ShowModuleTexts(const DeviceInfo& info, bool withAppInfo);
     void ConfigurationAfterRead(DeviceInfo& local);
     bool LoadCatalogOrSay(DeviceInfo& local);
+    // The parser's reason, if there is one, then "Module do not support info
+    // file feature".
+    void SayCatalogRefused(const std::string& reason);
     void TakeCatalogIn(DeviceInfo& local);
     void FillConfigList(const DeviceInfo& info);
     void WriteToOpenModule();
@@ -159,6 +162,9 @@ private:
     // the text really changes.
     void SetCfgEdited(const std::string& text);
     void txtCfgEdited_Change();
+    // BuildOptionTree on CfgImage, with "Something wrong" when no
+    // configuration has the image's Id.
+    void BuildTreeOrSay();
 
     void Unload();
 
