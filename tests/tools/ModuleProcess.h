@@ -68,6 +68,12 @@ public:
     DeviceLine& operator=(const DeviceLine&) = delete;
 
     bool IsOpen() const { return fd_ >= 0; }
+    // The module has closed its side: the device is gone. (Its path may
+    // already name another program's pseudo-terminal.)
+    bool Gone() const {
+        pollfd p{fd_, POLLIN, 0};
+        return ::poll(&p, 1, 0) > 0 && (p.revents & (POLLHUP | POLLERR)) != 0;
+    }
     int Fd() const { return fd_; }
     void Close() {
         if (fd_ >= 0) ::close(fd_);
