@@ -49,7 +49,6 @@ public:
     ValueEditForms& EditForms() { return editForms_; }
     QtOptionTree& Tree() { return *tree_; }
     SerialPort& ComPort() { return *MSComm1; }
-    const std::string& ConfigOptionsPath() const { return configOptionsPath_; }
 
     // Top level of the form.
     QPushButton* cmdRdDevInfo;
@@ -110,7 +109,6 @@ public:
     // The text of txtCfgEdited as the program set it; the box shows it in
     // rows of 32 bytes.
     const std::string& CfgEditedText() const { return cfgEditedText_; }
-    bool Busy() const { return busy_ > 0; }
 
 signals:
     // The main screen and the program's other forms are unloaded: the
