@@ -197,32 +197,46 @@ private:
 
 bool HasLineBreak(std::string_view text) { return text.find_first_of("\r\n") != std::string_view::npos; }
 
-}  // namespace
-
-bool IniWriteValue(const std::string& section, const std::string& key, const std::string& value,
-                   const std::string& path) {
+bool Refused(const IniEntry& entry) {
     // Names and values that would read back as something else, or break the
     // file's lines, are refused rather than written.
-    if (TrimProfileBlanks(section).empty() || section.find(']') != std::string::npos ||
-        key.find('=') != std::string::npos || HasLineBreak(section) || HasLineBreak(key) || HasLineBreak(value))
-        return false;
+    return TrimProfileBlanks(entry.section).empty() || entry.section.find(']') != std::string::npos ||
+           entry.key.find('=') != std::string::npos || HasLineBreak(entry.section) || HasLineBreak(entry.key) ||
+           HasLineBreak(entry.value);
+}
+
+void Apply(IniDocument& document, const IniEntry& entry) {
+    if (!entry.value.empty())
+        document.Set(entry.section, entry.key, entry.value);
+    else if (!entry.key.empty())
+        document.DeleteKey(entry.section, entry.key);
+    else
+        document.DeleteSection(entry.section);
+}
+
+}  // namespace
+
+bool IniWriteValues(const std::vector<IniEntry>& entries, const std::string& path) {
+    bool allTaken = true;
+    for (const IniEntry& entry : entries) allTaken = allTaken && !Refused(entry);
 
     std::string old;
     const WholeFileRead read = ReadWholeFile(path, old, kLargestFile);
-    if (read == WholeFileRead::Missing && value.empty()) return true;  // nothing to delete
     // A file that is there but cannot be read must not be overwritten.
     if (read != WholeFileRead::Missing && read != WholeFileRead::Complete) return false;
 
     IniDocument document(old);
-    if (!value.empty())
-        document.Set(section, key, value);
-    else if (!key.empty())
-        document.DeleteKey(section, key);
-    else
-        document.DeleteSection(section);
+    for (const IniEntry& entry : entries)
+        if (!Refused(entry)) Apply(document, entry);
 
-    if (read == WholeFileRead::Complete && document.Text() == old) return true;
-    return ReplaceFileAtomically(path, document.Text());
+    // Nothing changed, or only deletions from a missing file: nothing to write.
+    if (document.Text() == old && (read == WholeFileRead::Complete || old.empty())) return allTaken;
+    return ReplaceFileAtomically(path, document.Text()) && allTaken;
+}
+
+bool IniWriteValue(const std::string& section, const std::string& key, const std::string& value,
+                   const std::string& path) {
+    return IniWriteValues({IniEntry{section, key, value}}, path);
 }
 
 std::string IniReadValue(const std::string& section, const std::string& key, const std::string& defaultValue,

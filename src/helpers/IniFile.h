@@ -1,5 +1,6 @@
 #pragma once
 #include <string>
+#include <vector>
 
 // Keys of an INI file with the semantics of the classic profile calls:
 // sections and keys without regard to case, blanks and one pair of quotes
@@ -15,6 +16,17 @@ namespace sb {
 // section name, a line break anywhere, "]" in the section or "=" in the key.
 bool IniWriteValue(const std::string& section, const std::string& key, const std::string& value,
                    const std::string& path);
+
+// Several writes as one: each entry acts as IniWriteValue would, in order,
+// and the file is replaced once, so a crash leaves all of them or none. An
+// entry that IniWriteValue would refuse is left out, and the answer is then
+// false, as it is when the file cannot be read or replaced.
+struct IniEntry {
+    std::string section;
+    std::string key;
+    std::string value;
+};
+bool IniWriteValues(const std::vector<IniEntry>& entries, const std::string& path);
 
 // The key's value; the default when the section, the key or the file is
 // missing (or the key holds the text "NothingFound"); empty when the key is
