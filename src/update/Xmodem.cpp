@@ -210,8 +210,8 @@ void XmodemFillBytes(std::string& bytes, int32_t start, uint8_t value, int32_t c
     std::fill_n(bytes.begin() + start, n, static_cast<char>(value));
 }
 
-void XmodemCopyBytes(std::string& destination, int16_t destinationIndex, const std::string& source,
-                     int32_t sourceIndex, int32_t count) {
+void XmodemCopyBytes(std::string& destination, int16_t destinationIndex, const std::string& source, int32_t sourceIndex,
+                     int32_t count) {
     if (destinationIndex < 0 || sourceIndex < 0 || count <= 0) return;
     const auto to = static_cast<size_t>(destinationIndex);
     const auto from = static_cast<size_t>(sourceIndex);

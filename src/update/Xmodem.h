@@ -30,7 +30,7 @@ inline constexpr int kXmodemBlockData = 1024;
 inline constexpr int kXmodemBlockBuffer = 1030;
 
 // The results of XmodemTransmit besides 1024 times the acknowledged blocks.
-inline constexpr int32_t kXmodemCancelled = -1;   // CAN CAN from the receiver, or no handshake in 16 tries
+inline constexpr int32_t kXmodemCancelled = -1;    // CAN CAN from the receiver, or no handshake in 16 tries
 inline constexpr int32_t kXmodemBlockFailed = -4;  // a block without ACK in 25 sends
 inline constexpr int32_t kXmodemEotFailed = -5;    // the EOT without ACK in 10 sends
 
@@ -72,7 +72,7 @@ int16_t XmodemGetByte(int32_t limitMs);
 void XmodemFlushInput();
 
 void XmodemFillBytes(std::string& bytes, int32_t start, uint8_t value, int32_t count);
-void XmodemCopyBytes(std::string& destination, int16_t destinationIndex, const std::string& source,
-                     int32_t sourceIndex, int32_t count);
+void XmodemCopyBytes(std::string& destination, int16_t destinationIndex, const std::string& source, int32_t sourceIndex,
+                     int32_t count);
 
 }  // namespace sb

@@ -19,9 +19,8 @@ public:
     }
 
     std::map<std::string, std::string> answers = {
-        {"GETSN", "00004711"},         {"GETVER", " 1.04.02 "}, {"GETNAME", "Sniffer"},
-        {"GETPDATE", "17.01.2024"},    {"GETUID", "3A0F5C21D4E8B907"},
-        {"CLROTP", "OTP cleared: OK"},
+        {"GETSN", "00004711"},      {"GETVER", " 1.04.02 "},        {"GETNAME", "Sniffer"},
+        {"GETPDATE", "17.01.2024"}, {"GETUID", "3A0F5C21D4E8B907"}, {"CLROTP", "OTP cleared: OK"},
     };
     std::string reportOk = "Flash OK\r\n";
     std::string reportFailed = "Flash ERROR\r\n";

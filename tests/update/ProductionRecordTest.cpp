@@ -35,7 +35,7 @@ TEST(ProductionRecord, TheFirstRecordMakesTheFile) {
     RecordRig rig;
     const ProductionRecord record = rig.Write();
     EXPECT_EQ(record.End, RecordEnd::Written);
-    const std::vector<std::string> commands = {"GETSN",  "GETVER", "GETNAME",
+    const std::vector<std::string> commands = {"GETSN",    "GETVER", "GETNAME",
                                                "GETPDATE", "GETUID", "CLROTP 3A0F5C21D4E8B907"};
     EXPECT_EQ(rig.module.commands, commands);
     // The count with its leading blank, the answers trimmed.

@@ -70,7 +70,9 @@ struct Rig {
     }
 
     std::string IniPath() const { return folder.File("sniffer.ini"); }
-    int Count(const std::string& call) const { return static_cast<int>(std::count(port.calls.begin(), port.calls.end(), call)); }
+    int Count(const std::string& call) const {
+        return static_cast<int>(std::count(port.calls.begin(), port.calls.end(), call));
+    }
 
     TempFolder folder;
     test::VirtualClock clock;
@@ -101,13 +103,12 @@ TEST(UpdateRun, DownloadsTheFileIntoTheModuleAndTellsTheBlocksProgrammed) {
         EXPECT_EQ(outcome.Result, programmed) << size;
         EXPECT_EQ(rig.module.image, Padded(data)) << size;
         EXPECT_EQ(rig.messages, std::vector<std::string>{Success("Flash OK\r\n", programmed)}) << size;
-        EXPECT_EQ(rig.status.Text(), "Update completed succesfully\r\n " + std::to_string(programmed) +
-                                         " bytes programmed")
+        EXPECT_EQ(rig.status.Text(),
+                  "Update completed succesfully\r\n " + std::to_string(programmed) + " bytes programmed")
             << size;
-        const std::vector<std::string> opening = {"SetCommPort(ttyACM0)", "SetSettings(300, N, 8, 1)",
-                                                  "SetInputLen(0)",       "SetRThreshold(0)",
-                                                  "SetSThreshold(0)",     "SetInBufferSize(8192)",
-                                                  "SetOutBufferSize(8192)", "SetPortOpen(true)"};
+        const std::vector<std::string> opening = {
+            "SetCommPort(ttyACM0)", "SetSettings(300, N, 8, 1)", "SetInputLen(0)",         "SetRThreshold(0)",
+            "SetSThreshold(0)",     "SetInBufferSize(8192)",     "SetOutBufferSize(8192)", "SetPortOpen(true)"};
         EXPECT_TRUE(std::equal(opening.begin(), opening.end(), rig.port.calls.begin())) << size;
         EXPECT_EQ(rig.port.calls.back(), "SetPortOpen(false)") << size;
         EXPECT_EQ(rig.port.written.front(), "\rBOOT\r") << size;
@@ -119,7 +120,7 @@ TEST(UpdateRun, DownloadsTheFileIntoTheModuleAndTellsTheBlocksProgrammed) {
 TEST(UpdateRun, EndsWithItsMessageWhenFileOrPortIsMissing) {
     const struct {
         const char* name;
-        std::string file;                  // in the rig's folder; "" for no name at all
+        std::string file;                    // in the rig's folder; "" for no name at all
         std::optional<std::string> content;  // none: the file is not made
         std::string selPort;
         UpdateEnd end;

@@ -185,8 +185,11 @@ TEST(XmodemTransmit, EndsEachRoadWithItsResultAndItsLastBytes) {
         {"every block refused", {"C", [](int, const std::string&) { return NAK; }}, -4, 25, CANx3},
         {"noise is a failed send", {"C", answers({"x", ACK, ACK})}, 2048, 3, EOT},
         {"the end unanswered", {"C", answers({ACK, ACK}), [](int) { return NAK; }}, -5, 2, std::string(10, '\x04')},
-        {"the end acknowledged at the third", {"C", answers({ACK, ACK}), [](int eot) { return eot == 2 ? ACK : ""; }},
-         2048, 2, EOT + EOT + EOT},
+        {"the end acknowledged at the third",
+         {"C", answers({ACK, ACK}), [](int eot) { return eot == 2 ? ACK : ""; }},
+         2048,
+         2,
+         EOT + EOT + EOT},
     };
     for (const auto& c : cases) {
         Transfer t(c.receiver);

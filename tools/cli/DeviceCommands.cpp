@@ -4,6 +4,7 @@
 
 #include "Commands.h"
 #include "JsonText.h"
+#include "TerminalLines.h"
 #include "config/Types.h"
 #include "helpers/HexText.h"
 #include "helpers/TrimBlanks.h"
@@ -30,12 +31,6 @@ constexpr int kExitNotConfirmed = 4;
 constexpr double kReadSettleMs = 500;    // behind the opening, before the first command
 constexpr double kWriteSettleMs = 1000;  // SETAPPCFG goes out a second after the opening
 constexpr double kRescanMs = 200;
-
-// Messages of the core end their lines with CR LF; a terminal wants LF.
-std::string TerminalLines(std::string text) {
-    for (auto at = text.find("\r\n"); at != std::string::npos; at = text.find("\r\n", at)) text.erase(at, 1);
-    return text;
-}
 
 // Whether a status line on standard error waits for more dots.
 bool statusLineOpen = false;

@@ -1,7 +1,234 @@
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <sstream>
+
 #include "Commands.h"
+#include "JsonText.h"
+#include "TerminalLines.h"
+#include "link/PortErrorText.h"
+#include "link/QtSerialPort.h"
+#include "update/SnifferIni.h"
+#include "update/UpdateRun.h"
 
+// flash: the update run of the update screen without its dialogs. The port
+// comes from --port and the retry question is answered from --retries. The
+// message of success goes to standard output, the others to standard error,
+// and so does the transfer's progress: a bar on a terminal, plain lines
+// otherwise.
 namespace sb::cli {
+namespace {
 
-void AddFlashCommand(CLI::App& app) {}
+constexpr int kExitNoModule = 3;
+constexpr int kExitNotConfirmed = 4;
+constexpr int kExitTransferFailed = 5;
+constexpr int kExitNoFile = 6;
+
+using Clock = std::chrono::steady_clock;
+
+struct FlashOptions {
+    std::string port;
+    std::string file;
+    bool production = false;
+    bool json = false;
+    int retries = 0;
+};
+
+std::string Kilobytes(double bytes) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f kB", bytes / 1000);
+    return text;
+}
+
+// The transfer's progress on standard error: a bar drawn again in place on a
+// terminal (at most ten times a second), a line at each tenth otherwise.
+class ProgressView {
+public:
+    explicit ProgressView(bool terminal) : terminal_(terminal) {}
+    ~ProgressView() { EndLine(); }
+
+    void Show(const XmodemProgress& progress) {
+        const auto now = Clock::now();
+        if (progress.Blocks == 0) {
+            start_ = now;
+            lastTenth_ = -1;
+        }
+        const bool done = progress.Bytes >= progress.Total;
+        const int tenth = progress.Total > 0 ? static_cast<int>(10LL * progress.Bytes / progress.Total) : 10;
+        if (terminal_) {
+            if (!done && progress.Blocks != 0 && now - lastDraw_ < std::chrono::milliseconds(100)) return;
+            std::cerr << '\r' << Line(progress, now, true) << "\x1b[K" << std::flush;
+            lineOpen_ = true;
+            lastDraw_ = now;
+        } else if (tenth != lastTenth_) {
+            std::cerr << Line(progress, now, false) << '\n' << std::flush;
+        }
+        lastTenth_ = tenth;
+    }
+
+    // Before anything else is printed on the terminal.
+    void EndLine() {
+        if (lineOpen_) std::cerr << '\n' << std::flush;
+        lineOpen_ = false;
+    }
+
+private:
+    std::string Line(const XmodemProgress& p, Clock::time_point now, bool bar) const {
+        const double share = p.Total > 0 ? static_cast<double>(p.Bytes) / p.Total : 1.0;
+        const double seconds = std::chrono::duration<double>(now - start_).count();
+        const double rate = seconds > 0 ? p.Bytes / seconds : 0;
+        std::ostringstream line;
+        if (bar) {
+            constexpr int kWidth = 30;
+            const int filled = static_cast<int>(share * kWidth);
+            line << '[' << std::string(filled, '#') << std::string(kWidth - filled, '-') << "] ";
+        } else {
+            line << "Transfer ";
+        }
+        char percent[8];
+        std::snprintf(percent, sizeof percent, "%3d%%", static_cast<int>(share * 100));
+        line << percent << "  " << p.Bytes << " of " << p.Total << " bytes";
+        if (rate > 0) {
+            line << "  " << Kilobytes(rate) << "/s";
+            const long left = static_cast<long>((p.Total - p.Bytes) / rate + 0.5);
+            if (bar && p.Bytes < p.Total)
+                line << "  " << left / 60 << ":" << (left % 60 < 10 ? "0" : "") << left % 60 << " left";
+        }
+        return line.str();
+    }
+
+    bool terminal_;
+    bool lineOpen_ = false;
+    int lastTenth_ = -1;
+    Clock::time_point start_ = Clock::now();
+    Clock::time_point lastDraw_;
+};
+
+const char* EndName(UpdateEnd end) {
+    switch (end) {
+        case UpdateEnd::NoFile: return "no file";
+        case UpdateEnd::NoPort: return "no port";
+        case UpdateEnd::FileUnreadable: return "file unreadable";
+        case UpdateEnd::Abandoned: return "not downloaded";
+        case UpdateEnd::Programmed: return "programmed";
+    }
+    return "";
+}
+
+const char* RecordEndName(RecordEnd end) {
+    switch (end) {
+        case RecordEnd::Written: return "written";
+        case RecordEnd::UidNotSixteen: return "the UID has not 16 characters";
+        case RecordEnd::NotCleared: return "the module did not confirm CLROTP";
+        case RecordEnd::SerialError: return "the module answered Error! to GETSN";
+        case RecordEnd::WriteFailed: return "sniffer.ini could not be written";
+    }
+    return "";
+}
+
+std::string JsonRecord(const ProductionRecord& r) {
+    return "{\"written\": " + std::string(r.End == RecordEnd::Written ? "true" : "false") +
+           ", \"end\": " + JsonString(RecordEndName(r.End)) + ", \"number\": " + std::to_string(r.Number) +
+           ", \"section\": " + JsonString(r.Section) + ", \"SN\": " + JsonString(r.SN) +
+           ", \"Ver\": " + JsonString(r.Ver) + ", \"Name\": " + JsonString(r.Name) +
+           ", \"Date\": " + JsonString(r.Date) + ", \"UID\": " + JsonString(r.UID) + "}";
+}
+
+std::string Json(const FlashOptions& options, const UpdateOutcome& outcome, const std::string& iniPath,
+                 const std::vector<std::string>& messages) {
+    std::string out = "{\"end\": " + JsonString(EndName(outcome.End)) + ", \"port\": " + JsonString(options.port) +
+                      ", \"file\": " + JsonString(options.file) + ", \"size\": " + std::to_string(outcome.FileSize) +
+                      ", \"tries\": " + std::to_string(outcome.Tries) +
+                      ", \"programmed\": " + std::to_string(outcome.Result > 0 ? outcome.Result : 0) +
+                      ", \"result\": " + std::to_string(outcome.Result) +
+                      ", \"report\": " + JsonString(outcome.Report) + ", \"messages\": [";
+    for (size_t i = 0; i < messages.size(); ++i) out += (i ? ", " : "") + JsonString(messages[i]);
+    out += "], \"record\": " + (outcome.Record ? JsonRecord(*outcome.Record) : std::string("null"));
+    if (outcome.Record) out += ", \"sniffer_ini\": " + JsonString(iniPath);
+    return out + "}";
+}
+
+// The exit status of a run, with its reason on standard error.
+int Conclude(const UpdateOutcome& outcome) {
+    switch (outcome.End) {
+        case UpdateEnd::NoFile:
+        case UpdateEnd::FileUnreadable: return kExitNoFile;
+        case UpdateEnd::NoPort: return kExitNoModule;
+        case UpdateEnd::Abandoned:
+            if (outcome.OpenFailure) {
+                std::cerr << TerminalLines(PortErrorText("CommPort Error", *outcome.OpenFailure)) << '\n';
+                return kExitNoModule;
+            }
+            if (outcome.PortFailure)
+                std::cerr << TerminalLines(PortErrorText(kUpdateNotDownloaded, *outcome.PortFailure)) << '\n';
+            return kExitTransferFailed;
+        case UpdateEnd::Programmed: break;
+    }
+    if (!outcome.Record) return 0;
+    if (outcome.Record->End != RecordEnd::Written) {
+        std::cerr << "No production record: " << RecordEndName(outcome.Record->End) << ".\n";
+        return kExitNotConfirmed;
+    }
+    return 0;
+}
+
+void Flash(const FlashOptions& options) {
+    QtSerialPort port;
+    PlainStatusText status;
+    ProgressView progress(::isatty(STDERR_FILENO) != 0);
+    std::vector<std::string> messages;
+    int retriesLeft = options.retries;
+
+    UpdateHooks hooks;
+    hooks.FileName = [&options] { return options.file; };
+    hooks.ChoosePort = [&options] { return options.port; };
+    hooks.EnableStart = [](bool) {};
+    hooks.Progress = [&progress](const XmodemProgress& p) { progress.Show(p); };
+    hooks.ShowMessage = [&](const std::string& text, ui::MessageButtons buttons) {
+        progress.EndLine();
+        messages.push_back(text);
+        const bool question = buttons == ui::MessageButtons::OkCancel;
+        const bool retry = question && retriesLeft > 0;
+        // The success on standard output; the failures and the retry question
+        // on standard error.
+        std::ostream& out = text.rfind(kUpdateCompleted, 0) == 0 ? std::cout : std::cerr;
+        if (!options.json) out << TerminalLines(text) << (question ? (retry ? " yes" : " no") : "") << std::endl;
+        if (!question) return ui::MessageAnswer::Ok;
+        if (!retry) return ui::MessageAnswer::Cancel;
+        --retriesLeft;
+        return ui::MessageAnswer::Ok;
+    };
+
+    const std::string iniPath = SnifferIniPath();
+    const UpdateOutcome outcome = UpdateRun(port, status, hooks).Run(options.production, iniPath);
+    progress.EndLine();
+    if (options.json) {
+        std::cout << Json(options, outcome, iniPath, messages) << '\n';
+    } else if (outcome.Record && outcome.Record->End == RecordEnd::Written) {
+        std::cout << "Production record " << outcome.Record->Section << " written to " << iniPath << '\n';
+    }
+    std::cout.flush();
+    if (const int exitStatus = Conclude(outcome)) throw CLI::RuntimeError(exitStatus);
+}
+
+}  // namespace
+
+void AddFlashCommand(CLI::App& app) {
+    auto options = std::make_shared<FlashOptions>();
+    CLI::App* flash =
+        app.add_subcommand("flash", "Download a firmware file into a module in boot mode (CR BOOT CR, then XMODEM-1K)");
+    flash->add_option("--port", options->port, "A port name as 'ports' lists it, or a device path")->required();
+    flash->add_option("file", options->file, "The firmware file (*.cod)")->required();
+    flash->add_flag("--production", options->production,
+                    "Behind a successful download add the production record to sniffer.ini");
+    flash->add_option("--retries", options->retries, "Try a failed download again up to N times (default 0)")
+        ->type_name("N")
+        ->check(CLI::NonNegativeNumber);
+    flash->add_flag("--json", options->json, "Print the result as one JSON object");
+    flash->callback([options] { Flash(*options); });
+}
 
 }  // namespace sb::cli

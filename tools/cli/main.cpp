@@ -13,7 +13,7 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     app.footer(
         "Exit status: 0 success; 1 usage error; 2 catalog refused; 3 no module or port error;\n"
-        "4 the module did not confirm; 5 firmware transfer failed; 6 firmware file missing or empty;\n"
+        "4 the module did not confirm; 5 firmware transfer failed; 6 firmware file missing, empty or unreadable;\n"
         "7 no configuration of the catalog has the image's Id.");
     sb::cli::AddCatalogCommands(app);
     sb::cli::AddDeviceCommands(app);
