@@ -1,52 +1,21 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
-#include "../helpers/TempFolder.h"
+#include "CliRun.h"
 
 // servicebay-cli decode and set, end to end, on the sample catalog.
 namespace sb::test {
 namespace {
 
-std::string FromEnvironment(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? value : "";
-}
-
 std::string SourceFile(const std::string& relative) { return FromEnvironment("SB_SOURCE_DIR") + "/" + relative; }
 
 const std::string kSample = SourceFile("data/SampleCatalog.xml");
 
-std::string Quoted(const std::string& text) {
-    std::string quoted = "'";
-    for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
-struct CliRun {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
 class CatalogCommands : public ::testing::Test {
 protected:
-    CliRun Cli(const std::vector<std::string>& args) {
-        std::string command = Quoted(FromEnvironment("SB_BIN_DIR") + "/servicebay-cli");
-        for (const std::string& arg : args) command += " " + Quoted(arg);
-        const std::string out = folder.File("out");
-        const std::string err = folder.File("err");
-        command += " >" + Quoted(out) + " 2>" + Quoted(err) + " </dev/null";
-        const int raw = std::system(command.c_str());
-        CliRun run;
-        run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-        run.out = TempFolder::Read(out);
-        run.err = TempFolder::Read(err);
-        return run;
-    }
+    CliRun Cli(const std::vector<std::string>& args) { return RunCli(folder, args); }
 
     TempFolder folder;
 };
