@@ -6,20 +6,17 @@
 #include "link/ModeSwitch.h"
 #include "link/QtSerialPort.h"
 #include "link/SystemInventory.h"
+#include "ui/Latin1.h"
 #include "ui/MessageBox.h"
+#include "ui/Named.h"
+#include "ui/ShowOnly.h"
 
 namespace sb {
 namespace {
 
-QString Latin1(const std::string& text) {
-    return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-template <class Widget>
-Widget* Named(Widget* widget, const char* name) {
-    widget->setObjectName(QString::fromLatin1(name));
-    return widget;
-}
+using ui::Bytes;
+using ui::Latin1;
+using ui::Named;
 
 QString TipAt(const std::vector<std::string>& info, int index) {
     return index >= 0 && index < static_cast<int>(info.size()) ? Latin1(info[index]) : QString();
@@ -36,7 +33,7 @@ void Fill(QComboBox& box, const PortList& list, std::vector<std::string>& info) 
     box.setToolTip(TipAt(info, list.Selected));
 }
 
-std::string SelectedPort(const QComboBox& box) { return box.currentData().toString().toLatin1().toStdString(); }
+std::string SelectedPort(const QComboBox& box) { return Bytes(box.currentData().toString()); }
 
 }  // namespace
 
@@ -64,8 +61,7 @@ void frmPortControl::BuildControls() {
     Label1 = Named(new QLabel(QStringLiteral("Devices in Boot"), this), "Label1");
     cmbUSBBootList = Named(new QComboBox(this), "cmbUSBBootList");
     cmdSwitchToDev = Named(new QPushButton(QStringLiteral("Leave Boot"), this), "cmdSwitchToDev");
-    txtSelPort = Named(new QLineEdit(this), "txtSelPort");
-    txtSelPort->setEnabled(false);
+    txtSelPort = ui::ShowOnlyBox(this, "txtSelPort");
     cmdSelect = Named(new QPushButton(QStringLiteral("Select"), this), "cmdSelect");
     cmdSelect->setEnabled(false);
     cmdSelect->setDefault(true);
