@@ -11,12 +11,6 @@ namespace {
 
 std::string overridden;
 
-std::filesystem::path ProgramDirectory() {
-    std::error_code error;
-    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return error ? std::filesystem::current_path(error) : program.parent_path();
-}
-
 std::filesystem::path UserConfigFolder() {
     const char* config = std::getenv("XDG_CONFIG_HOME");
     if (config && *config == '/') return std::filesystem::path(config) / "servicebay";
@@ -29,9 +23,15 @@ bool Writable(const std::filesystem::path& directory) { return ::access(director
 
 }  // namespace
 
+std::string ProgramDirectory() {
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return (error ? std::filesystem::current_path(error) : program.parent_path()).string();
+}
+
 std::string SnifferIniPath() {
     if (!overridden.empty()) return overridden;
-    const auto program = ProgramDirectory();
+    const std::filesystem::path program = ProgramDirectory();
     const auto config = UserConfigFolder();
     if (Writable(program) || config.empty()) return program.string() + "/" + kSnifferIniName;
     // A new folder of the user's own; a write into it makes the file.

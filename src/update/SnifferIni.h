@@ -18,4 +18,7 @@ std::string SnifferIniPath();
 // empty path brings the usual place back.
 void OverrideSnifferIniPath(const std::string& path);
 
+// The folder of the running program (the file chooser starts there).
+std::string ProgramDirectory();
+
 }  // namespace sb
