@@ -7,6 +7,7 @@
 #include "helpers/Waiting.h"
 #include "mainscreen/frmDeviceCofigurator.h"
 #include "ui/QtWaitContext.h"
+#include "update/UpdateForms.h"
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
@@ -22,6 +23,8 @@ int main(int argc, char** argv) {
 
     int status = 0;
     {
+        // Before the main screen, whose unload unloads them.
+        sb::ui::UpdateForms updateForms;
         sb::ui::frmDeviceCofigurator form;
         QObject::connect(&form, &sb::ui::frmDeviceCofigurator::unloaded, &app, &QCoreApplication::quit,
                          Qt::QueuedConnection);

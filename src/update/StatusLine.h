@@ -1,0 +1,27 @@
+#pragma once
+#include <QStatusBar>
+#include <string>
+
+#include "link/StatusText.h"
+
+namespace sb::ui {
+
+// A status text in a status bar of one line. The text is kept as it was
+// set, line breaks included, and read back so; the bar draws each line
+// break (CR LF, CR or LF) as " | ", so that a second line stays in view, and
+// the whole text stands in the bar's tool tip.
+class StatusLine final : public StatusText {
+public:
+    explicit StatusLine(QStatusBar& bar) : bar_(bar) {}
+    std::string Text() const override { return text_; }
+    void SetText(const std::string& text) override;
+
+private:
+    QStatusBar& bar_;
+    std::string text_;
+};
+
+// The text as the bar draws it.
+std::string OneLine(const std::string& text);
+
+}  // namespace sb::ui
