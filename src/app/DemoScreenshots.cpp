@@ -2,8 +2,10 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <string>
 #include <vector>
 
@@ -12,6 +14,9 @@
 #include "ui/Latin1.h"
 #include "ui/MessageBox.h"
 #include "ui/ModalDialog.h"
+#include "update/SnifferIni.h"
+#include "update/frmFileCtrl.h"
+#include "update/frmTarnlift.h"
 
 namespace sb::ui {
 namespace {
@@ -64,6 +69,37 @@ void EditEachType(frmDeviceCofigurator& form, std::vector<std::string>& left) {
     std::erase_if(left, [&](const std::string& type) { return EditFirstOfType(form, type); });
 }
 
+// A firmware update of a made-up file: the chooser at the file, the update
+// screen behind the download. The chooser's place goes into a sniffer.ini
+// of its own, not into the program's.
+void DownloadDemoFirmware(Camera& camera, frmDeviceCofigurator& form) {
+    QTemporaryDir folder;
+    QFile firmware(folder.filePath(QStringLiteral("demo-firmware.cod")));
+    if (!firmware.open(QIODevice::WriteOnly) || firmware.write(QByteArray(48 * 1024 + 300, '\x5A')) < 0) return;
+    firmware.close();
+    OverrideSnifferIniPath(folder.filePath(QStringLiteral("sniffer.ini")).toStdString());
+    SetModalHandler([&](QDialog& dialog) {
+        if (auto* chooser = qobject_cast<frmFileCtrl*>(&dialog)) {
+            chooser->show();
+            chooser->Dir1->SetPath(folder.path().toStdString());
+            chooser->File1->setCurrentRow(0);
+            camera.Take(*chooser, chooser->objectName());
+            chooser->cmdOpen->click();
+        } else if (auto* tarnlift = qobject_cast<frmTarnlift*>(&dialog)) {
+            tarnlift->show();
+            tarnlift->cmdSelectBinary->click();
+            tarnlift->cmdUpdate->click();
+            camera.Take(*tarnlift, tarnlift->objectName());
+            tarnlift->hide();
+        } else {
+            Photograph(camera, dialog);
+        }
+    });
+    form.cmdFWUpdate->click();
+    SetModalHandler([&](QDialog& dialog) { Photograph(camera, dialog); });
+    OverrideSnifferIniPath({});
+}
+
 }  // namespace
 
 int TakeDemoScreenshots(frmDeviceCofigurator& form, const QString& folder) {
@@ -85,6 +121,7 @@ int TakeDemoScreenshots(frmDeviceCofigurator& form, const QString& folder) {
     std::vector<std::string> types = {"INT", "BIN", "STR"};
     EditEachType(form, types);
     form.cmdWriteConfig->click();
+    DownloadDemoFirmware(camera, form);
     form.mnuOfflineRead->trigger();
     form.tvOptions->expandAll();
     camera.Take(form, QStringLiteral("main-offline"));
