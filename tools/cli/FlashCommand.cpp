@@ -12,6 +12,7 @@
 #include "link/PortErrorText.h"
 #include "link/QtSerialPort.h"
 #include "update/SnifferIni.h"
+#include "update/TransferPace.h"
 #include "update/UpdateRun.h"
 
 // flash: the update run of the update screen without its dialogs. The port
@@ -36,12 +37,6 @@ struct FlashOptions {
     bool json = false;
     int retries = 0;
 };
-
-std::string Kilobytes(double bytes) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.1f kB", bytes / 1000);
-    return text;
-}
 
 // The transfer's progress on standard error: a bar drawn again in place on a
 // terminal (at most ten times a second), a line at each tenth otherwise.
@@ -77,9 +72,8 @@ public:
 
 private:
     std::string Line(const XmodemProgress& p, Clock::time_point now, bool bar) const {
-        const double share = p.Total > 0 ? static_cast<double>(p.Bytes) / p.Total : 1.0;
-        const double seconds = std::chrono::duration<double>(now - start_).count();
-        const double rate = seconds > 0 ? p.Bytes / seconds : 0;
+        const TransferPace pace = PaceOf(p, std::chrono::duration<double>(now - start_).count());
+        const double share = pace.Share;
         std::ostringstream line;
         if (bar) {
             constexpr int kWidth = 30;
@@ -91,11 +85,9 @@ private:
         char percent[8];
         std::snprintf(percent, sizeof percent, "%3d%%", static_cast<int>(share * 100));
         line << percent << "  " << p.Bytes << " of " << p.Total << " bytes";
-        if (rate > 0) {
-            line << "  " << Kilobytes(rate) << "/s";
-            const long left = static_cast<long>((p.Total - p.Bytes) / rate + 0.5);
-            if (bar && p.Bytes < p.Total)
-                line << "  " << left / 60 << ":" << (left % 60 < 10 ? "0" : "") << left % 60 << " left";
+        if (pace.BytesPerSecond > 0) {
+            line << "  " << RateText(pace.BytesPerSecond);
+            if (bar && p.Bytes < p.Total) line << "  " << TimeLeftText(pace.SecondsLeft);
         }
         return line.str();
     }
