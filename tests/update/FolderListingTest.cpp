@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 
 #include "../helpers/TempFolder.h"
@@ -48,36 +47,6 @@ TEST(FolderListing, PatternsMatchInEitherCaseAndSeveralBySemicolon) {
         {"a1.cod", "a?.cod", true},     {"notes", "*", true},
     };
     for (const auto& c : cases) EXPECT_EQ(MatchesFilePattern(c.name, c.pattern), c.match) << c.name << " " << c.pattern;
-}
-
-TEST(FolderListing, ListsOfAFolder) {
-    TempFolder folder;
-    for (const char* name : {"b.cod", "A.COD", ".hidden.cod", "notes.txt"}) TempFolder::Write(folder.File(name), "x");
-    for (const char* name : {"sub", ".git", "z.cod"}) std::filesystem::create_directory(folder.File(name));
-    std::filesystem::create_symlink(folder.File("b.cod"), folder.File("link.cod"));
-
-    EXPECT_EQ(MatchingFiles(folder.Path().string(), "*.cod"), (std::vector<std::string>{"A.COD", "b.cod", "link.cod"}));
-
-    const std::string plain = ExistingFolder(folder.Path().string() + "/sub/../");
-    EXPECT_EQ(plain, folder.Path().string());
-    const auto rows = FolderRows(plain);
-    ASSERT_GE(rows.size(), 3u);
-    EXPECT_EQ(rows.front().Name, "/");
-    const FolderRow& here = rows[rows.size() - 3];
-    EXPECT_EQ(here.Path, plain);
-    EXPECT_TRUE(here.Open);
-    const FolderRow& sub = rows[rows.size() - 2];
-    EXPECT_EQ(sub.Name, "sub");
-    EXPECT_EQ(sub.Path, plain + "/sub");
-    EXPECT_EQ(sub.Level, here.Level + 1);
-    EXPECT_FALSE(sub.Open);
-    EXPECT_EQ(rows.back().Name, "z.cod");
-
-    EXPECT_THROW(ExistingFolder(folder.File("gone")), std::filesystem::filesystem_error);
-    EXPECT_THROW(ExistingFolder(folder.File("b.cod")), std::filesystem::filesystem_error);
-    const auto top = FolderRows("/");
-    EXPECT_TRUE(top.front().Open);
-    EXPECT_TRUE(std::all_of(top.begin() + 1, top.end(), [](const FolderRow& row) { return row.Level == 1 && !row.Open; }));
 }
 
 TEST(FolderListing, AClickedFileAlwaysGetsTheSeparator) {
