@@ -7,6 +7,7 @@
 #include "link/QtSerialPort.h"
 #include "link/SystemInventory.h"
 #include "ui/Latin1.h"
+#include "ui/ModalDialog.h"
 #include "ui/MessageBox.h"
 #include "ui/Named.h"
 #include "ui/ShowOnly.h"
@@ -168,6 +169,12 @@ void frmPortControl::reject() {
     if (switching_) return;
     txtSelPort->clear();
     QDialog::reject();
+}
+
+std::string frmPortControl::ChooseBootPort() {
+    UpdatePortList();
+    ui::ShowModal(*this);
+    return Bytes(txtSelPort->text());
 }
 
 }  // namespace sb

@@ -19,9 +19,9 @@ namespace sb {
 // "USB Device selection": the technician picks a module in boot mode, and
 // can switch a module between its two modes on the way.
 //
-// How the actions use it: call UpdatePortList, show the dialog modally
-// (exec), then read txtSelPort at once; NamesPort(text) tells whether it
-// names a port. Select and Cancel only hide the dialog, so lists and
+// How the actions use it: ChooseBootPort calls UpdatePortList, shows the
+// dialog modally and reads txtSelPort at once; NamesPort(text) tells
+// whether it names a port. Select and Cancel only hide the dialog, so lists and
 // selection are kept for the next time; Cancel and the close box empty
 // txtSelPort. The dialog's own port MSComm1 serves the two mode switches
 // only and is never handed out.
@@ -38,6 +38,10 @@ public:
     // list, cmdSelect enabled. An unreachable inventory is reported in a
     // message box; nothing fails towards the caller.
     void UpdatePortList();
+
+    // What every action does with the dialog: UpdatePortList, the modal
+    // show, and the text of txtSelPort as it was left.
+    std::string ChooseBootPort();
 
     QLabel* Label2;
     QComboBox* cmbUSBDevList;

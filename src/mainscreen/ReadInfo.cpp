@@ -43,9 +43,7 @@ void frmDeviceCofigurator::cmdRdDevInfo_Click() {
 bool frmDeviceCofigurator::OpenChosenPort(const char* errorCaption, const char* noPortMessage) {
     status_->SetText(kScanning);
     try {
-        portControl_->UpdatePortList();
-        ShowModal(*portControl_);
-        const std::string selPort = Bytes(portControl_->txtSelPort->text());
+        const std::string selPort = portControl_->ChooseBootPort();
         if (!NamesPort(selPort)) {
             if (noPortMessage) ShowMessage(noPortMessage);
             return false;

@@ -93,19 +93,13 @@ void frmTarnlift::cmdUpdate_MouseDown(Qt::KeyboardModifiers shift) { production_
 void frmTarnlift::cmdUpdate_Click() {
     UpdateHooks hooks;
     hooks.FileName = [this] { return PathOf(txtBinaryFileName->text()); };
-    hooks.ChoosePort = [this] { return ChoosePort(); };
+    hooks.ChoosePort = [this] { return portControl_.ChooseBootPort(); };
     hooks.ShowMessage = [](const std::string& text, MessageButtons buttons) { return ShowMessage(text, buttons); };
     hooks.EnableStart = [this](bool enabled) { cmdUpdate->setEnabled(enabled); };
     hooks.Progress = [this](const XmodemProgress& progress) { Meter->Show(progress); };
     Meter->Clear();
     UpdateRun run(comPort_, *status_, std::move(hooks));
     lastOutcome_ = run.Run(production_, SnifferIniPath());
-}
-
-std::string frmTarnlift::ChoosePort() {
-    portControl_.UpdatePortList();
-    ShowModal(portControl_);
-    return Bytes(portControl_.txtSelPort->text());
 }
 
 }  // namespace sb::ui

@@ -47,7 +47,6 @@ private:
     void cmdSelectBinary_Click();
     void cmdUpdate_MouseDown(Qt::KeyboardModifiers shift);
     void cmdUpdate_Click();
-    std::string ChoosePort();
 
     UpdateForms& forms_;
     SerialPort& comPort_;
