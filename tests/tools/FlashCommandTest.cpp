@@ -6,23 +6,12 @@
 #include "CliRun.h"
 #include "ModuleProcess.h"
 #include "helpers/IniFile.h"
+#include "FirmwareImage.h"
 
 // servicebay-cli flash against the virtual module. The program runs from a
 // copy in the test's folder, so that the sniffer.ini beside it is the test's.
 namespace sb::test {
 namespace {
-
-std::string RandomBytes(size_t size, unsigned seed) {
-    std::mt19937 generator(seed);
-    std::string bytes(size, '\0');
-    for (char& c : bytes) c = static_cast<char>(generator() & 0xFF);
-    return bytes;
-}
-
-std::string Padded(const std::string& data) {
-    const size_t blocks = data.size() / 1024 + 1;
-    return data + "\x1A" + std::string(blocks * 1024 - data.size() - 1, '\0');
-}
 
 class FlashCommand : public ModuleTest {
 protected:
@@ -68,7 +57,7 @@ TEST_F(FlashCommand, TheModuleHoldsExactlyTheFileAsWholeBlocks) {
         EXPECT_EQ(run.status, 0) << size << run.err;
         EXPECT_EQ(run.out, "Update completed succesfully\nReport:Flash OK\n\n " + programmed + " bytes programmed\n")
             << size;
-        EXPECT_EQ(TempFolder::Read(Received()), Padded(data)) << size;
+        EXPECT_EQ(TempFolder::Read(Received()), PaddedToWholeBlocks(data)) << size;
         // Not a terminal: the progress in plain lines, the last one at 100 %.
         EXPECT_NE(run.err.find("Transfer 100%  " + std::to_string(size) + " of " + std::to_string(size) + " bytes"),
                   std::string::npos)

@@ -4,6 +4,7 @@
 #include <random>
 
 #include "ModuleProcess.h"
+#include "FirmwareImage.h"
 
 // The boot loader's XMODEM receiver against lrzsz's sx as an independent
 // sender, in both check modes.
@@ -11,13 +12,6 @@ namespace sb::test {
 namespace {
 
 using BootLoaderInterop = ModuleTest;
-
-std::string RandomBytes(size_t size, unsigned seed) {
-    std::mt19937 generator(seed);
-    std::string bytes(size, '\0');
-    for (char& c : bytes) c = static_cast<char>(generator() & 0xFF);
-    return bytes;
-}
 
 // sx -k on the open line as its standard input and output; its exit status.
 int SendWithSx(const DeviceLine& line, const std::string& file, const std::string& log) {

@@ -10,12 +10,14 @@
 #include "FakeBootLoader.h"
 #include "helpers/IniFile.h"
 #include "update/UpdateRun.h"
+#include "FirmwareImage.h"
 
 // Whole update runs against the fake boot loader, with the screen's parts
 // played by hooks.
 namespace sb {
 namespace {
 
+using test::PaddedToWholeBlocks;
 using test::TempFolder;
 using ui::MessageAnswer;
 
@@ -23,11 +25,6 @@ std::string Firmware(size_t size, char seed) {
     std::string data(size, '\0');
     for (size_t i = 0; i < size; ++i) data[i] = static_cast<char>(seed + i * 13);
     return data;
-}
-
-std::string Padded(const std::string& data) {
-    const size_t blocks = data.size() / 1024 + 1;
-    return data + "\x1A" + std::string(blocks * 1024 - data.size() - 1, '\0');
 }
 
 std::string Success(const std::string& report, int32_t programmed) {
@@ -101,7 +98,7 @@ TEST(UpdateRun, DownloadsTheFileIntoTheModuleAndTellsTheBlocksProgrammed) {
 
         EXPECT_EQ(outcome.End, UpdateEnd::Programmed) << size;
         EXPECT_EQ(outcome.Result, programmed) << size;
-        EXPECT_EQ(rig.module.image, Padded(data)) << size;
+        EXPECT_EQ(rig.module.image, PaddedToWholeBlocks(data)) << size;
         EXPECT_EQ(rig.messages, std::vector<std::string>{Success("Flash OK\r\n", programmed)}) << size;
         EXPECT_EQ(rig.status.Text(),
                   "Update completed succesfully\r\n " + std::to_string(programmed) + " bytes programmed")
@@ -169,7 +166,7 @@ TEST(UpdateRun, ARetrySendsTheBootCommandAgainAndReadsTheFileAnew) {
     EXPECT_EQ(outcome.End, UpdateEnd::Programmed);
     EXPECT_EQ(outcome.Tries, 2);
     EXPECT_EQ(rig.module.boots, 2);
-    EXPECT_EQ(rig.module.image, Padded(second));
+    EXPECT_EQ(rig.module.image, PaddedToWholeBlocks(second));
     const std::vector<std::string> expected = {RetryQuestion("Flash ERROR\r\n"), Success("Flash OK\r\n", 2048)};
     EXPECT_EQ(rig.messages, expected);
     // The port stays open between the tries.

@@ -9,25 +9,12 @@
 #include "../mainscreen/VirtualModule.h"
 #include "UpdateScreenTesting.h"
 #include "link/QtSerialPort.h"
+#include "FirmwareImage.h"
 
 namespace sb::test {
 namespace {
 
 using ui::MessageAnswer;
-
-std::string RandomBytes(size_t size, unsigned seed) {
-    std::mt19937 generator(seed);
-    std::string bytes(size, '\0');
-    for (char& c : bytes) c = static_cast<char>(generator() & 0xFF);
-    return bytes;
-}
-
-// As the module stores it: 0x1A behind the data, zeros to the end of the
-// block, and a block of its own when the data end on a block border.
-std::string Padded(const std::string& data) {
-    const size_t blocks = data.size() / 1024 + 1;
-    return data + "\x1A" + std::string(blocks * 1024 - data.size() - 1, '\0');
-}
 
 std::string ReadAll(const std::string& path) {
     QFile file(QString::fromStdString(path));
@@ -93,7 +80,7 @@ TEST_F(UpdateScreen, TheModuleHoldsTheFilePaddedAsWholeBlocks) {
         EXPECT_EQ(messages.texts, std::vector<std::string>{"Update completed succesfully\r\nReport:Flash OK\r\n\r\n " +
                                                            programmed + " bytes programmed"})
             << size;
-        EXPECT_EQ(ReadAll(Received()), Padded(data)) << size;
+        EXPECT_EQ(ReadAll(Received()), PaddedToWholeBlocks(data)) << size;
         EXPECT_EQ(status.back(), "Update completed succesfully\r\n " + programmed + " bytes programmed");
         EXPECT_EQ(shownStatus.back(), "Update completed succesfully |  " + programmed + " bytes programmed");
         EXPECT_EQ(meter.back(), 100);
@@ -204,7 +191,7 @@ TEST_F(UpdateScreen, MainScreenOpensItWithUpdate) {
     });
     screen.form.cmdFWUpdate->click();
     EXPECT_EQ(modal.shown, (std::vector<std::string>{"frmTarnlift", "frmFileCtrl", "frmPortControl"}));
-    EXPECT_EQ(ReadAll(Received()), Padded("through the main screen"));
+    EXPECT_EQ(ReadAll(Received()), PaddedToWholeBlocks("through the main screen"));
     // Each opening starts with an empty file name.
     modal.Then([](QDialog& dialog) { EXPECT_EQ(TarnliftOf(dialog).txtBinaryFileName->text(), ""); });
     screen.form.cmdFWUpdate->click();

@@ -23,11 +23,15 @@
 #include "link/StatusText.h"
 #include "ui/QtWaitContext.h"
 #include "update/Xmodem.h"
+#include "FirmwareImage.h"
 
 // Our sender on the Qt serial port over a pseudo-terminal, against lrzsz's
 // rx as an independent receiver, in both check modes.
 namespace sb {
 namespace {
+
+using test::PaddedToWholeBlocks;
+using test::RandomBytes;
 
 enum class Check { Crc, Checksum };
 
@@ -44,22 +48,6 @@ std::string FindRx() {
         }
     }
     return {};
-}
-
-std::string RandomBytes(size_t size, unsigned seed) {
-    std::mt19937 generator(seed);
-    std::string bytes(size, '\0');
-    for (char& c : bytes) c = static_cast<char>(generator() & 0xFF);
-    return bytes;
-}
-
-// The file as the receiver must keep it: the data, one 0x1A, zeros to the
-// end of that block. A file that ends on a block border is followed by a
-// whole block of 0x1A and zeros.
-std::string PaddedToWholeBlocks(const std::string& data) {
-    std::string padded = data + '\x1A';
-    padded.resize((data.size() / 1024 + 1) * 1024, '\0');
-    return padded;
 }
 
 // rx running in `folder` on the line `line`, writing "received" there and
