@@ -181,6 +181,9 @@ void QtSerialPort::PullInput() {
         if (n > 0) {
             const auto room = kInputLimit - std::min(kInputLimit, received_.size());
             received_.append(chunk, std::min<std::string::size_type>(room, static_cast<std::size_t>(n)));
+            // A short read took all the system held; asking again would only
+            // cost a call that fails with EAGAIN, once per block of a transfer.
+            if (static_cast<std::size_t>(n) < sizeof chunk) return;
             continue;
         }
         if (n < 0 && errno == EINTR) continue;
