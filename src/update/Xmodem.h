@@ -5,6 +5,7 @@
 
 #include "link/SerialPort.h"
 #include "link/StatusText.h"
+#include "update/XmodemBytes.h"
 
 // The sending half of XMODEM with 1024-byte blocks, towards the module's boot
 // loader on a port that is already open. The receiver picks CRC-16 ("C") or
@@ -17,15 +18,6 @@
 // transfer at once, without CAN or EOT, as the PortError.
 namespace sb {
 
-inline constexpr uint8_t kXmodemSTX = 0x02;
-inline constexpr uint8_t kXmodemEOT = 0x04;
-inline constexpr uint8_t kXmodemACK = 0x06;
-inline constexpr uint8_t kXmodemNAK = 0x15;
-inline constexpr uint8_t kXmodemCAN = 0x18;
-inline constexpr uint8_t kXmodemCRC = 'C';
-inline constexpr uint8_t kXmodemCTRLZ = 0x1A;
-
-inline constexpr int kXmodemBlockData = 1024;
 // STX, number, complement, data, two CRC bytes; a checksum block is one shorter.
 inline constexpr int kXmodemBlockBuffer = 1030;
 

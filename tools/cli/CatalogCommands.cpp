@@ -20,10 +20,6 @@
 namespace sb::cli {
 namespace {
 
-constexpr int kExitUsage = 1;
-constexpr int kExitCatalogRefused = 2;
-constexpr int kExitNoConfiguration = 7;
-
 struct CatalogOptions {
     std::string catalog;
     std::string image;  // hex text

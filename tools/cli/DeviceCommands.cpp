@@ -24,10 +24,6 @@
 namespace sb::cli {
 namespace {
 
-constexpr int kExitUsage = 1;
-constexpr int kExitNoModule = 3;
-constexpr int kExitNotConfirmed = 4;
-
 constexpr double kReadSettleMs = 500;    // behind the opening, before the first command
 constexpr double kWriteSettleMs = 1000;  // SETAPPCFG goes out a second after the opening
 constexpr double kRescanMs = 200;

@@ -23,11 +23,6 @@
 namespace sb::cli {
 namespace {
 
-constexpr int kExitNoModule = 3;
-constexpr int kExitNotConfirmed = 4;
-constexpr int kExitTransferFailed = 5;
-constexpr int kExitNoFile = 6;
-
 using Clock = std::chrono::steady_clock;
 
 struct FlashOptions {

@@ -1,14 +1,9 @@
 #include "XmodemReceiver.h"
 
+#include "update/XmodemBytes.h"
+
 namespace sb::module {
 namespace {
-
-constexpr int SOH = 0x01;
-constexpr int STX = 0x02;
-constexpr int EOT = 0x04;
-constexpr char ACK = 0x06;
-constexpr char NAK = 0x15;
-constexpr int CAN = 0x18;
 
 // The module asks for a sender once a second for a minute.
 constexpr int kHandshakeIntervalMs = 1000;
@@ -30,18 +25,18 @@ public:
         int header = AwaitSender();
         if (header < 0) return Ended(TransferOutcome::NoSender);
         for (int errors = 0;; header = wire_.ReadByte(kNextBlockTimeoutMs)) {
-            if (header == SOH || header == STX) {
-                const BlockAnswer answer = TakeBlock(header == STX ? 1024 : 128);
+            if (header == kXmodemSOH || header == kXmodemSTX) {
+                const BlockAnswer answer = TakeBlock(header == kXmodemSTX ? kXmodemBlockData : 128);
                 if (answer == BlockAnswer::Cancel) return Cancel();
                 errors = answer == BlockAnswer::Bad ? errors + 1 : 0;
-            } else if (header == EOT) {
+            } else if (header == kXmodemEOT) {
                 if (faults_.ignoreEot) return LetSenderGiveUp();
-                wire_.Send(std::string(1, ACK));
+                wire_.Send(std::string(1, kXmodemACK));
                 return Ended(TransferOutcome::Complete);
-            } else if (header == CAN) {
-                if (wire_.ReadByte(kSecondCanTimeoutMs) == CAN) return Ended(TransferOutcome::CancelledBySender);
+            } else if (header == kXmodemCAN) {
+                if (wire_.ReadByte(kSecondCanTimeoutMs) == kXmodemCAN) return Ended(TransferOutcome::CancelledBySender);
             } else if (header < 0) {
-                wire_.Send(std::string(1, NAK));
+                wire_.Send(std::string(1, kXmodemNAK));
                 ++errors;
             }
             // Any other byte is noise on the line between blocks.
@@ -58,12 +53,12 @@ private:
     // Sends the handshake byte ("C" for CRC, NAK for the checksum) until the
     // first header byte comes.
     int AwaitSender() {
-        const std::string handshake(1, check_ == XmodemCheck::Crc ? 'C' : NAK);
+        const std::string handshake(1, check_ == XmodemCheck::Crc ? static_cast<char>(kXmodemCRC) : static_cast<char>(kXmodemNAK));
         for (int tries = 0; tries < kHandshakeTries; ++tries) {
             wire_.Send(handshake);
             for (int byte = wire_.ReadByte(kHandshakeIntervalMs); byte >= 0;
                  byte = wire_.ReadByte(kHandshakeIntervalMs)) {
-                if (byte == SOH || byte == STX || byte == EOT || byte == CAN) return byte;
+                if (byte == kXmodemSOH || byte == kXmodemSTX || byte == kXmodemEOT || byte == kXmodemCAN) return byte;
             }
         }
         return -1;
@@ -106,7 +101,7 @@ private:
     }
 
     BlockAnswer Acknowledge() {
-        wire_.Send(std::string(1, ACK));
+        wire_.Send(std::string(1, kXmodemACK));
         return BlockAnswer::Accepted;
     }
 
@@ -114,12 +109,12 @@ private:
     // the whole of it.
     BlockAnswer Refuse() {
         wire_.Purge(kPurgeQuietMs);
-        wire_.Send(std::string(1, NAK));
+        wire_.Send(std::string(1, kXmodemNAK));
         return BlockAnswer::Bad;
     }
 
     TransferResult Cancel() {
-        wire_.Send(std::string(2, static_cast<char>(CAN)));
+        wire_.Send(std::string(2, static_cast<char>(kXmodemCAN)));
         return Ended(TransferOutcome::CancelledByModule);
     }
 
