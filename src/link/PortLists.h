@@ -11,6 +11,8 @@
 namespace sb {
 
 inline constexpr const char* kNotFound = "Not Found";
+// The status of an action while the selection dialog scans before it shows.
+inline constexpr const char* kScanning = "Scan for connected devices";
 inline constexpr const char* kRunningIdentity = "VID_C252&PID_17";  // any product id 17xx
 inline constexpr const char* kBootIdentity = "VID_0483&PID_5740";
 

@@ -15,7 +15,6 @@
 namespace sb::ui {
 namespace {
 
-constexpr const char* kScanning = "Scan for connected devices";
 constexpr const char* kCommPortError = "CommPort Error";
 constexpr const char* kNoInfoFile = "Module do not support info file feature";
 constexpr const char* kWrongConfiguration = "Module has wrong configuration";

@@ -63,7 +63,7 @@ UpdateEnd UpdateRun::Steps(bool production, const std::string& iniPath) {
         Say(kUpdateNoFile);
         return UpdateEnd::NoFile;
     }
-    status_.SetText(kUpdateScanning);
+    status_.SetText(kScanning);
     const std::string selPort = hooks_.ChoosePort();
     if (!NamesPort(selPort)) {
         Say(kUpdateNoBootDevice);

@@ -27,7 +27,6 @@ namespace sb {
 inline constexpr const char* kUpdateNoFile = "Binary file does not exist!";
 inline constexpr const char* kUpdateNoBootDevice = "Cant find device in boot mode";
 inline constexpr const char* kUpdateReadError = "Error when reading binary file!";
-inline constexpr const char* kUpdateScanning = "Scan for connected devices";
 inline constexpr const char* kUpdateNotDownloaded = "Binary File was not downloaded";
 inline constexpr const char* kUpdateCompleted = "Update completed succesfully";
 
