@@ -31,7 +31,7 @@ frmTarnlift::frmTarnlift(UpdateForms& forms, SerialPort& comPort, frmPortControl
     setObjectName(QStringLiteral("frmTarnlift"));
     setWindowTitle(QStringLiteral("Tarnlift"));
     BuildControls();
-    status_ = std::make_unique<StatusLine>(*StatusBar);
+    status_ = std::make_unique<StatusBarText>(*StatusBar);
     connect(cmdSelectBinary, &QPushButton::clicked, this, [this] { cmdSelectBinary_Click(); });
     connect(cmdUpdate, &QPushButton::clicked, this, [this] { cmdUpdate_Click(); });
     // The mouse press comes before the click; a press by the keyboard brings

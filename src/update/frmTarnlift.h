@@ -8,7 +8,7 @@
 
 #include "link/SerialPort.h"
 #include "link/frmPortControl.h"
-#include "update/StatusLine.h"
+#include "ui/StatusBarText.h"
 #include "update/TransferMeter.h"
 #include "update/UpdateRun.h"
 
@@ -51,7 +51,7 @@ private:
     UpdateForms& forms_;
     SerialPort& comPort_;
     frmPortControl& portControl_;
-    std::unique_ptr<StatusLine> status_;
+    std::unique_ptr<StatusBarText> status_;
     bool production_ = false;
     UpdateOutcome lastOutcome_;
 };
