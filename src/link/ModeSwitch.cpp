@@ -6,16 +6,39 @@
 #include "link/Terminal.h"
 
 namespace sb {
+namespace {
+
+// The last step of a switch: the port is closed on every road, also when a
+// step fails in a way that is not the port's and ends the switch early.
+class ClosedAtTheEnd {
+public:
+    explicit ClosedAtTheEnd(SerialPort& port) : port_(port) {}
+    ~ClosedAtTheEnd() {
+        try {
+            port_.SetPortOpen(false);
+        } catch (...) {
+            // A port that cannot even be closed has nothing more to give.
+        }
+    }
+    ClosedAtTheEnd(const ClosedAtTheEnd&) = delete;
+    ClosedAtTheEnd& operator=(const ClosedAtTheEnd&) = delete;
+
+private:
+    SerialPort& port_;
+};
+
+}  // namespace
 
 std::optional<PortError> SwitchToBoot(SerialPort& port, const std::string& portName) {
+    const ClosedAtTheEnd closing(port);
     auto openFailure = SkipOnPortError([&] { OpenPort(port, portName, kSettings300); });
     WaitMs(kBootOpeningMs);
-    SkipOnPortError([&] { port.SetPortOpen(false); });
     return openFailure;
 }
 
 std::optional<PortError> SwitchToRunning(SerialPort& port, const std::string& portName, StatusText& status,
                                          const std::function<void(const std::string&)>& showAnswer) {
+    const ClosedAtTheEnd closing(port);
     auto openFailure = SkipOnPortError([&] { OpenPort(port, portName, kSettings115200); });
     WaitMs(100);
     SkipOnPortError([&] { TerminalExecute(std::string(cmd::GETSN), port, status); });
@@ -27,7 +50,6 @@ std::optional<PortError> SwitchToRunning(SerialPort& port, const std::string& po
         const std::string answer = port.Input();
         showAnswer(answer);
     });
-    SkipOnPortError([&] { port.SetPortOpen(false); });
     return openFailure;
 }
 

@@ -3,6 +3,7 @@
 #include <dirent.h>
 
 #include <cerrno>
+#include <exception>
 #include <cstring>
 
 #include "link/ModuleRegistry.h"
@@ -12,11 +13,25 @@ namespace sb {
 MergedInventory::MergedInventory(std::vector<std::unique_ptr<PortInventory>> sources) : sources_(std::move(sources)) {}
 
 void MergedInventory::Connect() {
-    for (auto& source : sources_) source->Connect();
+    connected_.clear();
+    for (auto& source : sources_) {
+        try {
+            source->Connect();
+            connected_.push_back(source.get());
+        } catch (const std::exception&) {
+            if (source == sources_.front()) throw;
+        }
+    }
 }
 
 void MergedInventory::Walk(const std::function<void(const InventoryPort&)>& visit) {
-    for (auto& source : sources_) source->Walk(visit);
+    for (PortInventory* source : connected_) {
+        try {
+            source->Walk(visit);
+        } catch (const std::exception&) {
+            // What this source handed out until then stands; the next one goes on.
+        }
+    }
 }
 
 void RegistryInventory::Connect() {

@@ -33,7 +33,12 @@ public:
     virtual void Walk(const std::function<void(const InventoryPort&)>& visit) = 0;
 };
 
-// Several sources as one: connected one after the other, walked in turn.
+// Several sources as one, walked in turn: the system's inventory first, then
+// sources beside it. Each fails on its own. Only the first one's failure to
+// connect reaches the caller (that is the report of an unreachable
+// inventory); a source beside it that cannot be reached is passed over, and a
+// walk that breaks off ends only that source's part, so that a broken
+// registry never hides a port of the system.
 class MergedInventory final : public PortInventory {
 public:
     explicit MergedInventory(std::vector<std::unique_ptr<PortInventory>> sources);
@@ -42,6 +47,7 @@ public:
 
 private:
     std::vector<std::unique_ptr<PortInventory>> sources_;
+    std::vector<PortInventory*> connected_;
 };
 
 // The virtual modules that publish themselves in the registry folder.

@@ -1,6 +1,7 @@
 #include "link/frmPortControl.h"
 
 #include <QHBoxLayout>
+#include <exception>
 #include <QVBoxLayout>
 
 #include "link/ModeSwitch.h"
@@ -156,11 +157,13 @@ void frmPortControl::RunSwitch(const std::function<void()>& steps) {
         button->setEnabled(false);
     }
     switching_ = true;
-    struct Unlock {
-        frmPortControl* form;
-        ~Unlock() { form->switching_ = false; }
-    } unlock{this};
-    steps();
+    try {
+        steps();
+    } catch (const std::exception&) {
+        // A step that fails in another way than on the port is skipped as a
+        // port failure is: the switch ends with its scan all the same.
+    }
+    switching_ = false;
     for (std::size_t i = 0; i < std::size(locked); ++i) locked[i]->setEnabled(wasEnabled[i]);
     UpdatePortList();
 }

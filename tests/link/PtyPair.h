@@ -5,7 +5,6 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <string>
 
 namespace sb::test {
@@ -40,29 +39,12 @@ public:
     }
 
     void Send(const std::string& bytes) const {
-        std::size_t done = 0;
-        while (done < bytes.size()) {
+        for (std::size_t done = 0; done < bytes.size();) {
             const ssize_t n = ::write(master_, bytes.data() + done, bytes.size() - done);
-            if (n > 0)
-                done += static_cast<std::size_t>(n);
-            else
-                WaitReady(POLLOUT, 100);
+            if (n > 0) done += static_cast<std::size_t>(n);
+            pollfd writable{master_, POLLOUT, 0};
+            if (n <= 0) ::poll(&writable, 1, 100);
         }
-    }
-
-    // What the slave side wrote, until `count` bytes or the time is up.
-    std::string Receive(std::size_t count, int timeoutMs = 5000) const {
-        std::string got;
-        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
-        while (got.size() < count && std::chrono::steady_clock::now() < end) {
-            char chunk[4096];
-            const ssize_t n = ::read(master_, chunk, sizeof chunk);
-            if (n > 0)
-                got.append(chunk, static_cast<std::size_t>(n));
-            else
-                WaitReady(POLLIN, 20);
-        }
-        return got;
     }
 
     // The device goes away, as an unplugged module does.
@@ -72,11 +54,6 @@ public:
     }
 
 private:
-    void WaitReady(short events, int ms) const {
-        pollfd p{master_, events, 0};
-        ::poll(&p, 1, ms);
-    }
-
     int master_ = -1;
     std::string slavePath_;
 };

@@ -1,5 +1,7 @@
 #include "FakeSerialPort.h"
 
+#include <utility>
+
 #include "helpers/Waiting.h"
 
 namespace sb::test {
@@ -8,15 +10,11 @@ void FakeSerialPort::SetCommPort(const std::string& name) {
     calls.push_back("SetCommPort(" + name + ")");
     name_ = name;
 }
-void FakeSerialPort::SetSettings(const std::string& s) {
-    calls.push_back("SetSettings(" + s + ")");
-    settings = s;
+
+void FakeSerialPort::SetSettings(const std::string& text) {
+    calls.push_back("SetSettings(" + text + ")");
+    settings = text;
 }
-void FakeSerialPort::SetInputLen(int v) { calls.push_back("SetInputLen(" + std::to_string(v) + ")"); }
-void FakeSerialPort::SetRThreshold(int v) { calls.push_back("SetRThreshold(" + std::to_string(v) + ")"); }
-void FakeSerialPort::SetSThreshold(int v) { calls.push_back("SetSThreshold(" + std::to_string(v) + ")"); }
-void FakeSerialPort::SetInBufferSize(int v) { calls.push_back("SetInBufferSize(" + std::to_string(v) + ")"); }
-void FakeSerialPort::SetOutBufferSize(int v) { calls.push_back("SetOutBufferSize(" + std::to_string(v) + ")"); }
 
 void FakeSerialPort::SetPortOpen(bool open) {
     calls.push_back(open ? "SetPortOpen(true)" : "SetPortOpen(false)");
@@ -28,9 +26,7 @@ void FakeSerialPort::SetPortOpen(bool open) {
 std::string FakeSerialPort::Input() {
     ++inputReads;
     if (failInput || !open_) throw PortError("read failed", "Input/output error");
-    std::string out;
-    out.swap(pending_);
-    return out;
+    return std::exchange(pending_, {});
 }
 
 void FakeSerialPort::Output(const std::string& bytes) {
@@ -42,12 +38,6 @@ void FakeSerialPort::Output(const std::string& bytes) {
 void FakeSerialPort::Feed(const std::string& bytes) {
     pending_ += bytes;
     if (!bytes.empty()) CurrentWaitContext().NotifyInput();
-}
-
-std::string FakeSerialPort::AllWritten() const {
-    std::string all;
-    for (const auto& w : written) all += w;
-    return all;
 }
 
 }  // namespace sb::test

@@ -1,6 +1,5 @@
 #pragma once
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,11 +14,11 @@ public:
     void SetCommPort(const std::string& name) override;
     std::string CommPort() const override { return name_; }
     void SetSettings(const std::string& settings) override;
-    void SetInputLen(int length) override;
-    void SetRThreshold(int threshold) override;
-    void SetSThreshold(int threshold) override;
-    void SetInBufferSize(int bytes) override;
-    void SetOutBufferSize(int bytes) override;
+    void SetInputLen(int length) override { Note("SetInputLen", length); }
+    void SetRThreshold(int threshold) override { Note("SetRThreshold", threshold); }
+    void SetSThreshold(int threshold) override { Note("SetSThreshold", threshold); }
+    void SetInBufferSize(int bytes) override { Note("SetInBufferSize", bytes); }
+    void SetOutBufferSize(int bytes) override { Note("SetOutBufferSize", bytes); }
     void SetPortOpen(bool open) override;
     bool PortOpen() const override { return open_; }
     std::string Input() override;
@@ -31,7 +30,7 @@ public:
     // Called with each Output(); a test answers from it (often through the clock).
     std::function<void(const std::string& bytes)> onOutput;
 
-    std::vector<std::string> calls;    // "SetSettings(300, N, 8, 1)", "Input", ...
+    std::vector<std::string> calls;    // "SetSettings(300, N, 8, 1)", "SetInputLen(0)", ...
     std::vector<std::string> written;  // each Output() as it came
     std::string settings;
     int inputReads = 0;
@@ -41,9 +40,9 @@ public:
     bool failInput = false;
     bool failOutput = false;
 
-    std::string AllWritten() const;
-
 private:
+    void Note(const char* member, int value) { calls.push_back(member + ("(" + std::to_string(value) + ")")); }
+
     std::string name_;
     bool open_ = false;
     std::string pending_;

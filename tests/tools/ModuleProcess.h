@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <map>
 #include <string>
 #include <thread>
 #include <vector>
@@ -24,29 +23,11 @@ inline long MsSince(Clock::time_point start) {
     return static_cast<long>(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count());
 }
 
-// KEY=VALUE lines, as the module's state file and registry entries hold them.
-inline std::map<std::string, std::string> KeyValues(const std::string& text) {
-    std::map<std::string, std::string> values;
-    size_t start = 0;
-    while (start < text.size()) {
-        size_t end = text.find('\n', start);
-        if (end == std::string::npos) end = text.size();
-        const std::string line = text.substr(start, end - start);
-        const size_t equals = line.find('=');
-        if (equals != std::string::npos) values[line.substr(0, equals)] = line.substr(equals + 1);
-        start = end + 1;
-    }
-    return values;
-}
-
 // Waits up to timeoutMs, looking every 10 ms, for the condition to hold.
 template <typename Condition>
 bool Eventually(Condition condition, long timeoutMs = 5000) {
-    const auto start = Clock::now();
-    while (!condition()) {
+    for (const auto start = Clock::now(); !condition(); std::this_thread::sleep_for(std::chrono::milliseconds(10)))
         if (MsSince(start) > timeoutMs) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
     return true;
 }
 
@@ -55,7 +36,6 @@ class DeviceLine {
 public:
     explicit DeviceLine(const std::string& path, speed_t speed = B300) {
         fd_ = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-        if (fd_ < 0) return;
         termios tio{};
         ::tcgetattr(fd_, &tio);
         ::cfmakeraw(&tio);
@@ -63,75 +43,32 @@ public:
         ::cfsetospeed(&tio, speed);
         ::tcsetattr(fd_, TCSANOW, &tio);
     }
-    ~DeviceLine() { Close(); }
+    ~DeviceLine() { ::close(fd_); }
     DeviceLine(const DeviceLine&) = delete;
     DeviceLine& operator=(const DeviceLine&) = delete;
 
-    bool IsOpen() const { return fd_ >= 0; }
-    // The module has closed its side: the device is gone. (Its path may
-    // already name another program's pseudo-terminal.)
-    bool Gone() const {
-        pollfd p{fd_, POLLIN, 0};
-        return ::poll(&p, 1, 0) > 0 && (p.revents & (POLLHUP | POLLERR)) != 0;
-    }
     int Fd() const { return fd_; }
-    void Close() {
-        if (fd_ >= 0) ::close(fd_);
-        fd_ = -1;
-    }
 
     void Send(const std::string& bytes) const {
-        size_t done = 0;
-        while (done < bytes.size()) {
+        for (size_t done = 0; done < bytes.size();) {
             const ssize_t n = ::write(fd_, bytes.data() + done, bytes.size() - done);
-            if (n > 0)
-                done += static_cast<size_t>(n);
-            else
-                Wait(POLLOUT, 50);
+            if (n > 0) done += static_cast<size_t>(n);
+            if (n <= 0) Wait(POLLOUT, 50);
         }
     }
 
-    // What comes within timeoutMs; stops early once `enough` bytes are in.
+    // What comes within timeoutMs, up to `enough` bytes and never more, so
+    // that what a next step expects stays on the line.
     std::string Read(long timeoutMs, size_t enough = std::string::npos) const {
         std::string got;
-        const auto start = Clock::now();
-        while (got.size() < enough && MsSince(start) < timeoutMs) {
+        for (const auto start = Clock::now(); got.size() < enough && MsSince(start) < timeoutMs;) {
             char chunk[4096];
-            const ssize_t n = ::read(fd_, chunk, sizeof chunk);
-            if (n > 0)
-                got.append(chunk, static_cast<size_t>(n));
-            else if (n < 0 && errno != EAGAIN)
-                break;  // the device has gone
-            else
-                Wait(POLLIN, 10);
+            const ssize_t n = ::read(fd_, chunk, std::min(sizeof chunk, enough - got.size()));
+            if (n > 0) got.append(chunk, static_cast<size_t>(n));
+            if (n < 0 && errno != EAGAIN) break;  // the device has gone
+            if (n <= 0) Wait(POLLIN, 10);
         }
         return got;
-    }
-
-    // The reply to one command line: everything up to the first prompt at
-    // the end, or what came in timeoutMs.
-    std::string Exchange(const std::string& line, long timeoutMs = 3000) const {
-        Send(line);
-        std::string got;
-        const auto start = Clock::now();
-        while (MsSince(start) < timeoutMs && !(got.size() >= 4 && got.compare(got.size() - 4, 4, "\r\n> ") == 0))
-            got += Read(20, 1);
-        return got;
-    }
-
-    // The bytes that come until the line has been quiet for quietMs, grouped
-    // into bursts that were quiet for gapMs between them.
-    std::vector<std::string> Bursts(long gapMs, long quietMs) const {
-        std::vector<std::string> bursts;
-        auto last = Clock::now();
-        while (MsSince(last) < quietMs) {
-            const std::string got = Read(5);
-            if (got.empty()) continue;
-            if (bursts.empty() || MsSince(last) > gapMs) bursts.emplace_back();
-            bursts.back() += got;
-            last = Clock::now();
-        }
-        return bursts;
     }
 
 private:
@@ -144,36 +81,28 @@ private:
 };
 
 // One servicebay-module, started with the arguments given and a state file
-// and a link in the test's folder; its registry is the folder's too. It is
-// stopped with SIGTERM at the end of the test.
+// and a link in the test's folder. It is stopped with SIGTERM at the end.
 class ModuleProcess {
 public:
     ModuleProcess(const TempFolder& folder, const std::vector<std::string>& args)
         : statePath_(folder.File("module.state")), linkPath_(folder.File("module.link")) {
-        int out[2];
-        if (::pipe2(out, O_CLOEXEC) != 0) return;
         std::vector<std::string> all = {Program(), "--state-file", statePath_, "--link", linkPath_};
         all.insert(all.end(), args.begin(), args.end());
         const std::string errPath = folder.File("module.err");
         pid_ = ::fork();
         if (pid_ == 0) {
-            ::dup2(out[1], 1);
-            const int err = ::open(errPath.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
-            ::dup2(err, 2);
+            const int log = ::open(errPath.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
+            ::dup2(log, 1);
+            ::dup2(log, 2);
             std::vector<char*> argv;
             for (std::string& arg : all) argv.push_back(arg.data());
             argv.push_back(nullptr);
             ::execv(argv[0], argv.data());
             ::_exit(127);
         }
-        ::close(out[1]);
-        out_ = out[0];
         device_ = NextDevice();
     }
-    ~ModuleProcess() {
-        Stop();
-        if (out_ >= 0) ::close(out_);
-    }
+    ~ModuleProcess() { Stop(); }
     ModuleProcess(const ModuleProcess&) = delete;
     ModuleProcess& operator=(const ModuleProcess&) = delete;
 
@@ -183,32 +112,21 @@ public:
     const std::string& Device() const { return device_; }
     const std::string& LinkPath() const { return linkPath_; }
 
-    // The next line on the module's standard output: the device it appears
-    // as next; empty when none comes in time.
+    // The device the module appears as next, by its state file; empty when
+    // none comes in time.
     std::string NextDevice(long timeoutMs = 5000) {
-        const auto start = Clock::now();
-        for (;;) {
-            const size_t end = lines_.find('\n');
-            if (end != std::string::npos) {
-                const std::string line = lines_.substr(0, end);
-                lines_.erase(0, end + 1);
-                return line;
-            }
-            const long left = timeoutMs - MsSince(start);
-            pollfd p{out_, POLLIN, 0};
-            if (left <= 0 || ::poll(&p, 1, static_cast<int>(left)) <= 0) return "";
-            char chunk[256];
-            const ssize_t n = ::read(out_, chunk, sizeof chunk);
-            if (n <= 0) return "";
-            lines_.append(chunk, static_cast<size_t>(n));
-        }
+        std::string device;
+        if (!Eventually([&] { return !(device = State("Device")).empty() && device != last_; }, timeoutMs)) return "";
+        return last_ = device;
     }
 
-    std::map<std::string, std::string> State() const { return KeyValues(TempFolder::Read(statePath_)); }
+    // A KEY=VALUE line of the module's state file.
     std::string State(const std::string& key) const {
-        const auto values = State();
-        const auto found = values.find(key);
-        return found == values.end() ? "" : found->second;
+        const std::string text = "\n" + TempFolder::Read(statePath_);
+        const size_t start = text.find("\n" + key + "=");
+        if (start == std::string::npos) return "";
+        const size_t value = start + key.size() + 2;
+        return text.substr(value, text.find('\n', value) - value);
     }
     bool WaitForState(const std::string& key, const std::string& value, long timeoutMs = 5000) const {
         return Eventually([&] { return State(key) == value; }, timeoutMs);
@@ -216,17 +134,10 @@ public:
 
     // The exit status, or -1 when it has not ended in time.
     int WaitForExit(long timeoutMs = 5000) {
-        int status = -1;
-        const bool ended = Eventually(
-            [&] {
-                int raw = 0;
-                if (::waitpid(pid_, &raw, WNOHANG) != pid_) return false;
-                status = WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
-                return true;
-            },
-            timeoutMs);
-        if (ended) pid_ = -1;
-        return status;
+        int raw = 0;
+        if (pid_ <= 0 || !Eventually([&] { return ::waitpid(pid_, &raw, WNOHANG) == pid_; }, timeoutMs)) return -1;
+        pid_ = -1;
+        return WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
     }
 
     int Stop(int signal = SIGTERM) {
@@ -245,9 +156,8 @@ private:
     std::string statePath_;
     std::string linkPath_;
     pid_t pid_ = -1;
-    int out_ = -1;
-    std::string lines_;
     std::string device_;
+    std::string last_;
 };
 
 // Each test keeps its modules in a registry folder of its own.
@@ -265,16 +175,10 @@ protected:
     static constexpr const char* kCatalog =
         "<CFG><OPTS L=\"6\"><O N=\"Id\" S=\"0\" L=\"20\" T=\"INT\"/></OPTS></CFG>\n";
     static constexpr const char* kProfile =
-        "# test module\n"
         "GETSN = 00004711\n"
         "GETVER = \" 1.02.03 \"\n"
         "GETNAME = Sniffer\n"
         "GETPDATE = 01.02.2024\n"
-        "GETVIN = WVWZZZ1JZXW000001\n"
-        "GETAPPNAME = APP\n"
-        "GETAPPVER = 2.00.01\n"
-        "GETHWVER = HW3\n"
-        "GETAPPINFO = Line one\\r\\n  Line two\\x21\n"
         "GETUID = 0123456789ABCDEF\n"
         "CLROTP = OTP cleared OK\n"
         "GETAPPCFG = 0300000000FF\n"

@@ -7,8 +7,10 @@
 #include <chrono>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "../link/PtyPair.h"
@@ -47,14 +49,13 @@ public:
     const std::string& SlavePath() const { return pty_.SlavePath(); }
     void Vanish() { vanish_ = true; }
 
-    // The openings that have ended; waits a little for the last closing to
-    // be seen, since the peer looks every few milliseconds.
+    // The openings that have ended; waits up to 5 s for `expected` of them,
+    // since the peer looks every few milliseconds.
     std::vector<Opening> Openings(std::size_t expected = 1) {
-        const auto end = Clock::now() + std::chrono::seconds(5);
-        for (;;) {
+        for (int waited = 0;; waited += 5) {
             {
                 std::lock_guard<std::mutex> lock(mutex_);
-                if (openings_.size() >= expected || Clock::now() > end) return openings_;
+                if (openings_.size() >= expected || waited > 5000) return openings_;
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
@@ -64,40 +65,37 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void Serve() {
-        bool open = false;
-        Clock::time_point openedAt;
+        std::optional<Clock::time_point> openedAt;
         Opening current;
         std::string pending;
         while (!stop_ && !vanish_) {
-            pollfd p{Master(), POLLIN, 0};
+            pollfd p{pty_.MasterFd(), POLLIN, 0};
             ::poll(&p, 1, 5);
             const bool hungUp = (p.revents & POLLHUP) != 0;
-            if (open && hungUp) {
+            if (openedAt && hungUp) {
                 current.heldMs = static_cast<long>(
-                    std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - openedAt).count());
+                    std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - *openedAt).count());
                 std::lock_guard<std::mutex> lock(mutex_);
-                openings_.push_back(current);
-                open = false;
-            } else if (!open && !hungUp) {
-                open = true;
+                openings_.push_back(std::exchange(current, Opening{}));
+                openedAt.reset();
+            } else if (!openedAt && !hungUp) {
                 openedAt = Clock::now();
-                current = Opening{};
             }
-            if (!open) {
+            if (!openedAt) {
                 std::this_thread::sleep_for(std::chrono::milliseconds(5));
                 continue;
             }
             const termios tio = pty_.SlaveSettings();
             current.speed = ::cfgetospeed(&tio);
             char chunk[4096];
-            const ssize_t n = ::read(Master(), chunk, sizeof chunk);
+            const ssize_t n = ::read(pty_.MasterFd(), chunk, sizeof chunk);
             if (n <= 0) continue;
             current.received.append(chunk, static_cast<std::size_t>(n));
             pending.append(chunk, static_cast<std::size_t>(n));
             for (auto cr = pending.find('\r'); cr != std::string::npos && !vanish_; cr = pending.find('\r')) {
-                std::string line = pending.substr(0, cr + 1);
+                const std::size_t start = pending[0] == '\n' ? 1 : 0;
+                const std::string line = pending.substr(start, cr + 1 - start);
                 pending.erase(0, cr + 1);
-                if (!line.empty() && line[0] == '\n') line.erase(0, 1);
                 for (const Piece& piece : script_(line)) {
                     std::this_thread::sleep_for(std::chrono::milliseconds(piece.delayMs));
                     pty_.Send(piece.bytes);
@@ -106,8 +104,6 @@ private:
         }
         if (vanish_) pty_.Vanish();
     }
-
-    int Master() const { return pty_.MasterFd(); }
 
     Script script_;
     PtyPair pty_;

@@ -28,6 +28,8 @@ public:
             if (header == kXmodemSOH || header == kXmodemSTX) {
                 const BlockAnswer answer = TakeBlock(header == kXmodemSTX ? kXmodemBlockData : 128);
                 if (answer == BlockAnswer::Cancel) return Cancel();
+                // A good block that the fault refuses is no error of the line:
+                // the sender's own limit ends such a transfer, not ours.
                 errors = answer == BlockAnswer::Bad ? errors + 1 : 0;
             } else if (header == kXmodemEOT) {
                 if (faults_.ignoreEot) return LetSenderGiveUp();
@@ -48,7 +50,7 @@ public:
     }
 
 private:
-    enum class BlockAnswer { Accepted, Bad, Cancel };
+    enum class BlockAnswer { Accepted, Refused, Bad, Cancel };
 
     // Sends the handshake byte ("C" for CRC, NAK for the checksum) until the
     // first header byte comes.
@@ -81,7 +83,11 @@ private:
         // The sender missed the ACK of the block before and sent it again.
         if (result_.blocks > 0 && number == static_cast<uint8_t>(expected_ - 1)) return Acknowledge();
         if (number != expected_) return BlockAnswer::Cancel;
-        if (faults_.refuseBlocks) return Refuse();
+        if (faults_.refuseBlocks) {
+            // The whole block is in: nothing to drop before the NAK.
+            wire_.Send(std::string(1, kXmodemNAK));
+            return BlockAnswer::Refused;
+        }
         if (faults_.cancelAfterBlocks == result_.blocks) return BlockAnswer::Cancel;
         if (faults_.vanishAfterBlocks == result_.blocks) throw DeviceVanished{};
         result_.image += data;
