@@ -74,7 +74,8 @@ void DirList::Fill() {
     const QIcon open = style()->standardIcon(QStyle::SP_DirOpenIcon);
     const QIcon closed = style()->standardIcon(QStyle::SP_DirIcon);
     for (const FolderRow& row : FolderRows(path_)) {
-        auto* item = new QListWidgetItem(row.Open ? open : closed, QString(row.Level * 2, QLatin1Char(' ')) + PathText(row.Name));
+        auto* item =
+            new QListWidgetItem(row.Open ? open : closed, QString(row.Level * 2, QLatin1Char(' ')) + PathText(row.Name));
         item->setData(kPathRole, PathText(row.Path));
         addItem(item);
         if (row.Path == path_) setCurrentItem(item);

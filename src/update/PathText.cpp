@@ -16,10 +16,14 @@ int Sequence(const std::string& bytes, size_t at, char32_t& code) {
     }
     int length = 0;
     char32_t lowest = 0;
-    if (lead >= 0xC2 && lead <= 0xDF) length = 2, code = lead & 0x1F, lowest = 0x80;
-    else if (lead >= 0xE0 && lead <= 0xEF) length = 3, code = lead & 0x0F, lowest = 0x800;
-    else if (lead >= 0xF0 && lead <= 0xF4) length = 4, code = lead & 0x07, lowest = 0x10000;
-    else return 0;
+    if (lead >= 0xC2 && lead <= 0xDF)
+        length = 2, code = lead & 0x1F, lowest = 0x80;
+    else if (lead >= 0xE0 && lead <= 0xEF)
+        length = 3, code = lead & 0x0F, lowest = 0x800;
+    else if (lead >= 0xF0 && lead <= 0xF4)
+        length = 4, code = lead & 0x07, lowest = 0x10000;
+    else
+        return 0;
     if (at + static_cast<size_t>(length) > bytes.size()) return 0;
     for (int i = 1; i < length; ++i) {
         const unsigned char next = byte(at + static_cast<size_t>(i));

@@ -16,7 +16,8 @@ class FlashCommand : public ModuleTest {
 protected:
     FlashCommand() {
         std::filesystem::create_directories(folder.File("bin"));
-        std::filesystem::copy_file(FromEnvironment("SB_BIN_DIR") + "/servicebay-cli", folder.File("bin/servicebay-cli"));
+        std::filesystem::copy_file(FromEnvironment("SB_BIN_DIR") + "/servicebay-cli",
+                                   folder.File("bin/servicebay-cli"));
     }
 
     // A module in boot mode with the faults given, then the flash of data.
@@ -24,8 +25,10 @@ protected:
         faults.insert(faults.end(), {"--boot", "--firmware-out", folder.File("received.bin"), "--profile",
                                      WriteProfile("ReportOk = Flash OK\\r\\n\nReportFailed = Flash ERROR\\r\\n\n")});
         if (!module) module = std::make_unique<ModuleProcess>(folder, faults);
-        if (data == "-") std::filesystem::remove(folder.File("fw.cod"));  // none
-        else TempFolder::Write(folder.File("fw.cod"), data);
+        if (data == "-")
+            std::filesystem::remove(folder.File("fw.cod"));  // none
+        else
+            TempFolder::Write(folder.File("fw.cod"), data);
         args.insert(args.begin(), {"flash", "--port", module->Device(), folder.File("fw.cod")});
         const std::string bin = FromEnvironment("SB_BIN_DIR");
         ::setenv("SB_BIN_DIR", folder.File("bin").c_str(), 1);
@@ -68,10 +71,18 @@ TEST_F(FlashCommand, ItsExitStatusTellsEachFailure) {
         std::string err;
     } cases[] = {
         {"an empty file", {}, {}, "", 6, "Error when reading binary file!\n"},
-        {"a refused download tried twice", {"--xmodem-refuse"}, {"--retries", "1"}, "x", 5,
+        {"a refused download tried twice",
+         {"--xmodem-refuse"},
+         {"--retries", "1"},
+         "x",
+         5,
          "Report:Flash ERROR\n\nRetry ? yes\n"},
         {"a module that vanishes", {"--vanish-after-blocks", "1"}, {}, std::string(3000, 'v'), 5, "Retry ? no\n"},
-        {"a UID of 15 characters", {"--uid-length", "15"}, {"--production"}, "x", 4,
+        {"a UID of 15 characters",
+         {"--uid-length", "15"},
+         {"--production"},
+         "x",
+         4,
          "No production record: the UID has not 16 characters."},
         {"a missing file", {}, {}, "-", 6, "Binary file does not exist!\n"},
     };

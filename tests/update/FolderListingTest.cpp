@@ -16,7 +16,10 @@ namespace {
 TEST(FolderListing, DriveIsTheLongestMountPointAboveThePath) {
     const std::vector<std::string> mounts = {"/", "/media/usb/fw", "/media/usb", "/media/usb2", "/home"};
     const std::pair<const char*, const char*> cases[] = {
-        {"/", "/"}, {"/media/usb/fw/x", "/media/usb/fw"}, {"/media/usb/x", "/media/usb"}, {"/media/usb2/fw", "/media/usb2"},
+        {"/", "/"},
+        {"/media/usb/fw/x", "/media/usb/fw"},
+        {"/media/usb/x", "/media/usb"},
+        {"/media/usb2/fw", "/media/usb2"},
         {"/media/usbstick", "/"},  // a name that only begins like a mount point
         {"/home/a", "/home"},
     };

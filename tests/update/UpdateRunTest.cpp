@@ -83,8 +83,8 @@ TEST(UpdateRun, DownloadsTheFileIntoTheModuleAndTellsTheBlocksProgrammed) {
     EXPECT_EQ(outcome.End, UpdateEnd::Programmed);
     // 1024 times the blocks, not the file's 1000 bytes.
     EXPECT_EQ(rig.module.image, test::PaddedToWholeBlocks(test::RandomBytes(1000, 1)));
-    EXPECT_EQ(rig.messages,
-              std::vector<std::string>{"Update completed succesfully\r\nReport:Flash OK\r\n\r\n 1024 bytes programmed"});
+    EXPECT_EQ(rig.messages, std::vector<std::string>{
+                                "Update completed succesfully\r\nReport:Flash OK\r\n\r\n 1024 bytes programmed"});
     EXPECT_EQ(rig.status.Text(), "Update completed succesfully\r\n 1024 bytes programmed");
     const std::vector<std::string> opening = {
         "SetCommPort(ttyACM0)", "SetSettings(300, N, 8, 1)", "SetInputLen(0)",         "SetRThreshold(0)",
@@ -172,8 +172,8 @@ TEST(UpdateRun, APortThatCannotBeOpenedPassesTheWaitsIntoTheRetry) {
 }
 
 TEST(UpdateRun, TheProductionRecordFollowsOnlyASuccessfulDownloadWithTheFlag) {
-    for (const auto& [production, cancel, recorded] : {std::tuple{true, false, true}, std::tuple{true, true, false},
-                                                       std::tuple{false, false, false}}) {
+    for (const auto& [production, cancel, recorded] :
+         {std::tuple{true, false, true}, std::tuple{true, true, false}, std::tuple{false, false, false}}) {
         Rig rig;
         rig.module.cancelTransfers = cancel ? 1 : 0;
         rig.answers = {MessageAnswer::Cancel};

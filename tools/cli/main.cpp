@@ -22,7 +22,8 @@ std::string ExitStatusFooter() {
 // table does not hold is none of ours.
 int ExitStatusOf(const CLI::Error& error) {
     const int code = error.get_exit_code();
-    if (dynamic_cast<const CLI::RuntimeError*>(&error) == nullptr) return code == 0 ? sb::cli::kExitSuccess : sb::cli::kExitUsage;
+    if (dynamic_cast<const CLI::RuntimeError*>(&error) == nullptr)
+        return code == 0 ? sb::cli::kExitSuccess : sb::cli::kExitUsage;
     for (const auto& status : sb::cli::kExitStatuses)
         if (status.Code == code) return code;
     return sb::cli::kExitUsage;
