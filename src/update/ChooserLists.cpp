@@ -5,7 +5,6 @@
 #include <QStorageInfo>
 #include <QStyle>
 #include <algorithm>
-#include <exception>
 
 #include "update/FolderListing.h"
 #include "update/PathText.h"
@@ -15,28 +14,38 @@ namespace {
 
 constexpr int kPathRole = Qt::UserRole;
 
+MountLookup mountLookup;
+
 std::vector<std::string> StorageMountPoints() {
-    std::vector<std::string> points{"/"};
+    std::vector<std::string> points;
     for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
-        if (!volume.isValid() || !volume.isReady()) continue;
-        const std::string point = PathOf(volume.rootPath());
-        if (std::find(points.begin(), points.end(), point) == points.end()) points.push_back(point);
+        if (volume.isValid() && volume.isReady()) points.push_back(PathOf(volume.rootPath()));
     }
-    std::sort(points.begin() + 1, points.end());
+    return points;
+}
+
+// "/" first, then the others sorted, each once.
+std::vector<std::string> Drives(std::vector<std::string> points) {
+    std::sort(points.begin(), points.end());
+    points.erase(std::unique(points.begin(), points.end()), points.end());
+    points.erase(std::remove(points.begin(), points.end(), "/"), points.end());
+    points.insert(points.begin(), "/");
     return points;
 }
 
 }  // namespace
 
-DriveList::DriveList(QWidget* parent) : QComboBox(parent), mountPoints_(StorageMountPoints()) {
+void SetMountLookup(MountLookup lookup) { mountLookup = std::move(lookup); }
+
+DriveList::DriveList(QWidget* parent)
+    : QComboBox(parent), mountPoints_(Drives(mountLookup ? mountLookup() : StorageMountPoints())) {
     for (const std::string& point : mountPoints_) addItem(PathText(point), PathText(point));
     drive_ = mountPoints_.front();
-    connect(this, &QComboBox::activated, this, [this](int index) {
-        Choose(PathOf(itemData(index).toString()));
-    });
 }
 
 void DriveList::SetDrive(const std::string& folder) { Choose(MountPointOf(ExistingFolder(folder), mountPoints_)); }
+
+void DriveList::ChooseAt(int index) { Choose(PathOf(itemData(index).toString())); }
 
 void DriveList::Choose(const std::string& drive) {
     {
@@ -48,15 +57,9 @@ void DriveList::Choose(const std::string& drive) {
     emit changed();
 }
 
-DirList::DirList(QWidget* parent) : QListWidget(parent) {
-    connect(this, &QListWidget::itemActivated, this, [this](QListWidgetItem* item) {
-        try {
-            SetPath(PathOf(item->data(kPathRole).toString()));
-        } catch (const std::exception&) {
-            Fill();  // the folder has gone in the meantime
-        }
-    });
-}
+DirList::DirList(QWidget* parent) : QListWidget(parent) {}
+
+void DirList::GoToRow(const QListWidgetItem& item) { SetPath(PathOf(item.data(kPathRole).toString())); }
 
 void DirList::SetPath(const std::string& folder) {
     const std::string plain = ExistingFolder(folder);
@@ -71,7 +74,8 @@ void DirList::Fill() {
     const QIcon open = style()->standardIcon(QStyle::SP_DirOpenIcon);
     const QIcon closed = style()->standardIcon(QStyle::SP_DirIcon);
     for (const FolderRow& row : FolderRows(path_)) {
-        auto* item = new QListWidgetItem(row.Open ? open : closed, QString(row.Level * 2, QLatin1Char(' ')) + PathText(row.Name));
+        auto* item =
+            new QListWidgetItem(row.Open ? open : closed, QString(row.Level * 2, QLatin1Char(' ')) + PathText(row.Name));
         item->setData(kPathRole, PathText(row.Path));
         addItem(item);
         if (row.Path == path_) setCurrentItem(item);

@@ -1,6 +1,7 @@
 #pragma once
 #include <QComboBox>
 #include <QListWidget>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -8,8 +9,16 @@
 // own (Drive, Path, Pattern) and tells of a change the way the chooser's
 // events need it: a new value that differs from the old one is a change, the
 // same value again is none. A path that is no folder is refused with
-// std::filesystem::filesystem_error, and the list stays as it was.
+// std::filesystem::filesystem_error, and the list stays as it was. A choice
+// by the technician (a drive picked, a folder row activated) is applied by
+// the screen that holds the lists, which decides what a failure means.
 namespace sb::ui {
+
+// Where the drive list takes the mount points of the system's storage from;
+// tests put a list of their own in place. An empty lookup brings the
+// system's back.
+using MountLookup = std::function<std::vector<std::string>()>;
+void SetMountLookup(MountLookup lookup);
 
 // The drives of this platform: the mount points of its storage, "/" first.
 class DriveList final : public QComboBox {
@@ -20,6 +29,8 @@ public:
     std::string Drive() const { return drive_; }
     // Any folder: the drive becomes the mount point that holds it.
     void SetDrive(const std::string& folder);
+    // The drive of a row, as a pick in the list makes it.
+    void ChooseAt(int index);
     const std::vector<std::string>& MountPoints() const { return mountPoints_; }
 
 signals:
@@ -33,7 +44,7 @@ private:
 };
 
 // The folders from "/" down to Path, then Path's subfolders; a double click
-// or Enter on a row goes there.
+// or Enter on a row (itemActivated) goes there by GoToRow.
 class DirList final : public QListWidget {
     Q_OBJECT
 public:
@@ -41,6 +52,7 @@ public:
 
     std::string Path() const { return path_; }
     void SetPath(const std::string& folder);
+    void GoToRow(const QListWidgetItem& item);
 
 signals:
     void changed();

@@ -9,6 +9,7 @@
 #include "link/CommandSet.h"
 #include "link/PortLists.h"
 #include "link/SkipOnPortError.h"
+#include "update/QuietStep.h"
 #include "update/SignText.h"
 
 namespace sb {
@@ -64,7 +65,9 @@ UpdateEnd UpdateRun::Steps(bool production, const std::string& iniPath) {
         return UpdateEnd::NoFile;
     }
     status_.SetText(kScanning);
-    const std::string selPort = hooks_.ChoosePort();
+    // A selection that fails is no selection.
+    std::string selPort;
+    QuietStep([&] { selPort = hooks_.ChoosePort(); });
     if (!NamesPort(selPort)) {
         Say(kUpdateNoBootDevice);
         return UpdateEnd::NoPort;

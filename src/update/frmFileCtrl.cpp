@@ -5,12 +5,12 @@
 #include <QHBoxLayout>
 #include <QShowEvent>
 #include <QVBoxLayout>
-#include <exception>
 
 #include "ui/ShowOnly.h"
 #include "update/ChooserPlace.h"
 #include "update/FolderListing.h"
 #include "update/PathText.h"
+#include "update/QuietStep.h"
 #include "update/SnifferIni.h"
 
 namespace sb::ui {
@@ -58,13 +58,29 @@ void frmFileCtrl::BuildControls() {
     resize(620, 360);
 }
 
+// The changes of the lists run inside whatever set them: a failure goes
+// back to that, and each entry of the technician's (the events of the lists
+// and buttons, the show and the close) ends it in the program's directory.
 void frmFileCtrl::ConnectEvents() {
     connect(Drive1, &DriveList::changed, this, [this] { Drive1_Change(); });
     connect(Dir1, &DirList::changed, this, [this] { Dir1_Change(); });
-    connect(File1, &FileList::clicked, this, [this] { File1_Click(); });
+    connect(Drive1, &QComboBox::activated, this, [this](int index) { Guarded([&] { Drive1->ChooseAt(index); }); });
+    connect(Dir1, &QListWidget::itemActivated, this,
+            [this](QListWidgetItem* item) { Guarded([&] { Dir1->GoToRow(*item); }); });
+    connect(File1, &FileList::clicked, this, [this] { Guarded([this] { File1_Click(); }); });
     connect(File1, &FileList::patternChanged, this, [this] { File1_PatternChange(); });
     connect(cmdOpen, &QPushButton::clicked, this, [this] { cmdOpen_Click(); });
     connect(cmdCancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });
+}
+
+// A place that has gone (a drive unplugged, a folder removed) gives no
+// message: the chooser goes to the program's directory.
+void frmFileCtrl::Guarded(const std::function<void()>& step) {
+    if (QuietStep(step) || fallingBack_) return;
+    fallingBack_ = true;
+    const std::string program = ProgramDirectory();
+    QuietStep([&] { GoTo(program, program, program); });
+    fallingBack_ = false;
 }
 
 void frmFileCtrl::Form_Load() {
@@ -78,17 +94,14 @@ void frmFileCtrl::showEvent(QShowEvent* event) {
     if (!event->spontaneous()) Form_Activate();
 }
 
-// Behind the caller's settings: the place of the last use wins.
+// Behind the caller's settings: the place of the last use wins, or the
+// program's directory when that place is gone.
 void frmFileCtrl::Form_Activate() {
     SetOpenCaption();
-    const std::string program = ProgramDirectory();
-    const ChooserPlace place = ReadChooserPlace(SnifferIniPath(), program);
-    try {
+    Guarded([this] {
+        const ChooserPlace place = ReadChooserPlace(SnifferIniPath(), ProgramDirectory());
         GoTo(place.Dir, place.Drive, place.Path);
-    } catch (const std::exception&) {
-        // The remembered place is gone: the program's own directory.
-        GoTo(program, program, program);
-    }
+    });
 }
 
 void frmFileCtrl::Unload() {
@@ -97,8 +110,9 @@ void frmFileCtrl::Unload() {
     Form_Unload();
 }
 
+// A sniffer.ini that cannot be written forgets the place, without a word.
 void frmFileCtrl::Form_Unload() {
-    WriteChooserPlace({Dir1->Path(), Drive1->Drive(), File1->Path()}, SnifferIniPath());
+    QuietStep([this] { WriteChooserPlace({Dir1->Path(), Drive1->Drive(), File1->Path()}, SnifferIniPath()); });
     txtSelFile->clear();
 }
 
@@ -119,7 +133,10 @@ void frmFileCtrl::Drive1_Change() {
 }
 
 // A folder that the technician enters is the result until a file is clicked.
+// The drive follows the folder to the mount point that holds it, which is
+// what DRIVE keeps.
 void frmFileCtrl::Dir1_Change() {
+    Drive1->SetDrive(Dir1->Path());
     File1->SetPath(Dir1->Path());
     txtSelFile->setText(PathText(Dir1->Path()));
 }

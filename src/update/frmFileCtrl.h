@@ -2,6 +2,7 @@
 #include <QDialog>
 #include <QLineEdit>
 #include <QPushButton>
+#include <functional>
 #include <string>
 
 #include "update/ChooserLists.h"
@@ -44,6 +45,7 @@ protected:
 private:
     void BuildControls();
     void ConnectEvents();
+    void Guarded(const std::function<void()>& step);
     void Form_Load();
     void Form_Activate();
     void Form_Unload();
@@ -58,6 +60,7 @@ private:
     void cmdCancel_Click();
 
     bool unloaded_ = false;
+    bool fallingBack_ = false;
 };
 
 }  // namespace sb::ui

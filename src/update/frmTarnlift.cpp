@@ -9,6 +9,7 @@
 #include "ui/ModalDialog.h"
 #include "ui/ShowOnly.h"
 #include "update/PathText.h"
+#include "update/QuietStep.h"
 #include "update/SnifferIni.h"
 #include "update/UpdateForms.h"
 
@@ -71,10 +72,14 @@ void frmTarnlift::cmdSelectBinary_Click() {
     chooser.Tag = "Open";
     chooser.File1->SetPattern(kFirmwarePattern);
     chooser.txtSelFile->setEnabled(false);
-    const std::string program = ProgramDirectory();
-    chooser.Dir1->SetPath(program);
-    chooser.Drive1->SetDrive(program);
-    chooser.File1->SetPath(program);
+    // A program directory that cannot be shown is skipped: the chooser opens
+    // at its remembered place anyway.
+    QuietStep([&chooser] {
+        const std::string program = ProgramDirectory();
+        chooser.Dir1->SetPath(program);
+        chooser.Drive1->SetDrive(program);
+        chooser.File1->SetPath(program);
+    });
     ShowModal(chooser);
     const QString chosen = chooser.txtSelFile->text();
     forms_.UnloadFileCtrl();
@@ -99,7 +104,9 @@ void frmTarnlift::cmdUpdate_Click() {
     hooks.Progress = [this](const XmodemProgress& progress) { Meter->Show(progress); };
     Meter->Clear();
     UpdateRun run(comPort_, *status_, std::move(hooks));
-    lastOutcome_ = run.Run(production_, SnifferIniPath());
+    // The run closes the port and enables cmdUpdate on every road; a failure
+    // that none of its steps expects ends it there, silently.
+    QuietStep([&] { lastOutcome_ = run.Run(production_, SnifferIniPath()); });
 }
 
 }  // namespace sb::ui

@@ -27,8 +27,6 @@ public:
 
     // Faults of the receiver.
     int cancelTransfers = 0;     // this many transfers end in CAN CAN at their first block
-    bool refuseBlocks = false;   // NAK to every block
-    bool ignoreEot = false;      // no ACK to the EOT
     int vanishAfterBlocks = -1;  // the port fails behind this many blocks
 
     std::string image;                  // the data fields of the last transfer
@@ -42,7 +40,7 @@ private:
         if (bytes == "\rBOOT\r") return Boot();
         if (mode_ == Mode::Commands) return Command(bytes);
         if (bytes.size() >= 1029 && bytes[0] == '\x02') return Block(bytes);
-        if (bytes == "\x04" && mode_ == Mode::Blocks && !ignoreEot) return End("\x06", reportOk);
+        if (bytes == "\x04" && mode_ == Mode::Blocks) return End("\x06", reportOk);
         if (bytes == "\x18" && mode_ == Mode::Blocks) return End("", reportFailed);
     }
 
@@ -72,7 +70,6 @@ private:
             ++transfers_;
             return End("\x18\x18", reportFailed);
         }
-        if (refuseBlocks) return Answer("\x15");
         if (static_cast<uint8_t>(block[1]) == static_cast<uint8_t>(blocks_ + 1)) {
             image += block.substr(3, 1024);
             ++blocks_;

@@ -1,7 +1,35 @@
 #include <QCoreApplication>
+#include <exception>
+#include <iostream>
+#include <string>
 
 #include "Commands.h"
+#include "TerminalLines.h"
+#include "link/PortErrorText.h"
 #include "ui/QtWaitContext.h"
+
+namespace {
+
+std::string ExitStatusFooter() {
+    std::string footer = "Exit status:";
+    for (const auto& [code, meaning] : sb::cli::kExitStatuses)
+        footer += std::string(code == 0 ? " " : "; ") + std::to_string(code) + " " + meaning;
+    return footer + ".";
+}
+
+// CLI11 ends with codes of its own (105 for a file that is not there); here
+// every fault of the command line is a usage error, and a status that the
+// table does not hold is none of ours.
+int ExitStatusOf(const CLI::Error& error) {
+    const int code = error.get_exit_code();
+    if (dynamic_cast<const CLI::RuntimeError*>(&error) == nullptr)
+        return code == 0 ? sb::cli::kExitSuccess : sb::cli::kExitUsage;
+    for (const auto& status : sb::cli::kExitStatuses)
+        if (status.Code == code) return code;
+    return sb::cli::kExitUsage;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     // The serial port adapter lives on Qt's event loop; every wait runs it.
@@ -11,19 +39,25 @@ int main(int argc, char** argv) {
 
     CLI::App app{"servicebay-cli: read, configure and program the module from scripts"};
     app.require_subcommand(1);
-    app.footer(
-        "Exit status: 0 success; 1 usage error; 2 catalog refused; 3 no module or port error;\n"
-        "4 the module did not confirm; 5 firmware transfer failed; 6 firmware file missing, empty or unreadable;\n"
-        "7 no configuration of the catalog has the image's Id.");
+    app.footer(ExitStatusFooter());
     sb::cli::AddCatalogCommands(app);
     sb::cli::AddDeviceCommands(app);
     sb::cli::AddFlashCommand(app);
 
-    int status = 0;
+    int status = sb::cli::kExitSuccess;
     try {
         app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
-        status = app.exit(e);
+    } catch (const CLI::Error& e) {
+        app.exit(e);
+        status = ExitStatusOf(e);
+    } catch (const sb::PortError& failure) {
+        std::cerr << sb::cli::TerminalLines(sb::PortErrorText("CommPort Error", failure)) << '\n';
+        status = sb::cli::kExitNoModule;
+    } catch (const std::exception& failure) {
+        // What the command was given could not be taken (an image of more
+        // than 32767 hex digits, a path that cannot be read).
+        std::cerr << failure.what() << '\n';
+        status = sb::cli::kExitUsage;
     }
     sb::SetWaitContext(nullptr);
     return status;
