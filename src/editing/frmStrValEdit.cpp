@@ -27,7 +27,7 @@ void frmStrValEdit::Fill(const std::string& caption, int length, const std::stri
     SetValue({});
     optHexASCII_1->setChecked(true);
     SetValue(value);
-    EditValue = Value();
+    EditValue = value;
 }
 
 void frmStrValEdit::optHexASCII_Click(int index) {
@@ -40,7 +40,7 @@ void frmStrValEdit::optHexASCII_Click(int index) {
 
 void frmStrValEdit::cmdOK_Click() {
     const TextMode mode = optHexASCII_0->isChecked() ? TextMode::Hex : TextMode::Ascii;
-    Conclude(CheckStrEntry(mode, Value(), Length(), EditValue), [this](const QString& box) { txtValue->setPlainText(box); });
+    Conclude(CheckStrEntry(mode, Value(), Length(), EditValue), [this](const std::string& box) { SetValue(box); });
 }
 
 }  // namespace sb::ui
