@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "editing/BinValueEntry.h"
+#include "ui/Guarded.h"
 #include "ui/Latin1.h"
 #include "ui/MessageBox.h"
 #include "ui/Named.h"
@@ -18,7 +19,7 @@ ValueEditForm::ValueEditForm(const char* name, QWidget* parent) : QDialog(parent
     setWindowTitle(QStringLiteral("Value edit"));
     cmdOK = Named(new QPushButton(QStringLiteral("OK"), this), "cmdOK");
     cmdCancel = Named(new QPushButton(QStringLiteral("Cancel"), this), "cmdCancel");
-    connect(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
+    connect(cmdOK, &QPushButton::clicked, this, Guarded([this] { cmdOK_Click(); }));
     connect(cmdCancel, &QPushButton::clicked, this, [this] { hide(); });
 }
 
@@ -36,9 +37,9 @@ void ValueEditForm::JoinOptionButtons(QRadioButton* first, QRadioButton* second,
     auto* group = new QButtonGroup(this);
     group->addButton(first, 0);
     group->addButton(second, 1);
-    connect(group, &QButtonGroup::idToggled, this, [click = std::move(click)](int index, bool checked) {
+    connect(group, &QButtonGroup::idToggled, this, Guarded([click = std::move(click)](int index, bool checked) {
         if (checked) click(index);
-    });
+    }));
     const QSignalBlocker quiet(group);  // nothing to convert yet
     first->setChecked(true);
 }

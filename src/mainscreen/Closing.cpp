@@ -4,6 +4,7 @@
 
 #include "mainscreen/UpdateScreens.h"
 #include "mainscreen/frmDeviceCofigurator.h"
+#include "ui/Guarded.h"
 
 namespace sb::ui {
 
@@ -37,8 +38,8 @@ void frmDeviceCofigurator::Unload() {
     if (unloaded_) return;
     unloaded_ = true;
     const UpdateScreens& screens = CurrentUpdateScreens();
-    if (screens.UnloadFileCtrl) screens.UnloadFileCtrl();
-    if (screens.UnloadTarnlift) screens.UnloadTarnlift();
+    if (screens.UnloadFileCtrl) Skipping(screens.UnloadFileCtrl);
+    if (screens.UnloadTarnlift) Skipping(screens.UnloadTarnlift);
     editForms_.Unload();
     portControl_.reset();
     emit unloaded();
