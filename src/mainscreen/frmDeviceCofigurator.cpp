@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QMenuBar>
 #include <QVBoxLayout>
+#include <QValidator>
 
 #include "helpers/HexText.h"
 #include "link/QtSerialPort.h"
@@ -16,6 +17,12 @@
 
 namespace sb::ui {
 namespace {
+
+class TypingOnly final : public QValidator {
+public:
+    using QValidator::QValidator;
+    State validate(QString&, int&) const override { return Intermediate; }
+};
 
 void AddRow(QGridLayout& grid, QLabel* label, QWidget* box) {
     const int row = grid.rowCount();
@@ -86,6 +93,12 @@ void frmDeviceCofigurator::BuildControls() {
     cmbConfigList = Named(new QComboBox(Frame5), "cmbConfigList");
     cmbConfigList->setEditable(true);
     cmbConfigList->setInsertPolicy(QComboBox::NoInsert);
+    // Typing in the edit field has no effect. The combo box would pick the
+    // entry whose name stands in the field when Enter is pressed or the
+    // field is left; a field that never completes and whose text is never
+    // acceptable ends no edit.
+    cmbConfigList->setCompleter(nullptr);
+    cmbConfigList->setValidator(new TypingOnly(cmbConfigList));
     cmbConfigList->setEnabled(false);
     cmbConfigList->setMinimumContentsLength(22);
     cmdSelPredefCfg = Named(new QPushButton(QStringLiteral("Select"), Frame5), "cmdSelPredefCfg");
