@@ -9,13 +9,18 @@
 namespace sb {
 
 EntryCheck CheckBinEntry(const std::string& entry, int length, const std::string& editValue) {
+    const EntryCheck refused{false, editValue, editValue};
     const std::string clean = NormalizeHex(entry);
-    if (!IsHexText(clean)) return {false, editValue, editValue};
-    // An odd number of digits gives no bytes, and so the wrong length.
-    const std::string bytes = HexToBytes(clean);
-    if (static_cast<int64_t>(bytes.size()) != length) return {false, editValue, editValue};
-    const std::string spaced = BytesToHexSpaced(bytes);
-    return {true, spaced, entry};
+    if (!IsHexText(clean)) return refused;
+    try {
+        // An odd number of digits gives no bytes, and so the wrong length.
+        const std::string bytes = HexToBytes(clean);
+        if (static_cast<int64_t>(bytes.size()) != length) return refused;
+        return {true, BytesToHexSpaced(bytes), entry};
+    } catch (const OverflowError&) {
+        // More digits than the conversion takes: no value of any option.
+        return refused;
+    }
 }
 
 int LengthOfBox(const std::string& lenText) {

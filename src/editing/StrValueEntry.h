@@ -17,7 +17,14 @@ EntryCheck CheckStrEntry(TextMode mode, const std::string& entry, int length, co
 
 // The box's text after a switch of the mode, without any test: to "Hex" the
 // hex text of the characters, to "ASCII" the bytes of the hex text (empty for
-// an odd number of digits; characters that are no digits are dropped).
-std::string SwitchTextMode(const std::string& box, TextMode to);
+// an odd number of digits; characters that are no digits are dropped). A box
+// beyond the conversions' limit of 32,767 characters is refused like a bad
+// entry ("Wrong value entered"): it shows editValue, the last good value, in
+// the mode switched to.
+struct ModeSwitch {
+    bool Refused = false;
+    std::string BoxText;
+};
+ModeSwitch SwitchTextMode(const std::string& box, TextMode to, const std::string& editValue);
 
 }  // namespace sb

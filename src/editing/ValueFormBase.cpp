@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "editing/BinValueEntry.h"
+#include "ui/Guarded.h"
 #include "ui/Latin1.h"
 #include "ui/MessageBox.h"
 #include "ui/Named.h"
@@ -18,27 +19,27 @@ ValueEditForm::ValueEditForm(const char* name, QWidget* parent) : QDialog(parent
     setWindowTitle(QStringLiteral("Value edit"));
     cmdOK = Named(new QPushButton(QStringLiteral("OK"), this), "cmdOK");
     cmdCancel = Named(new QPushButton(QStringLiteral("Cancel"), this), "cmdCancel");
-    connect(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
+    connect(cmdOK, &QPushButton::clicked, this, Guarded([this] { cmdOK_Click(); }));
     connect(cmdCancel, &QPushButton::clicked, this, [this] { hide(); });
 }
 
-void ValueEditForm::Conclude(const EntryCheck& check, const std::function<void(const QString&)>& putBack) {
+void ValueEditForm::Conclude(const EntryCheck& check, const std::function<void(const std::string&)>& putBack) {
     if (check.Accepted) {
         EditValue = check.EditValue;
         hide();
         return;
     }
     ShowMessage(kWrongValueEntered);
-    putBack(Latin1(check.BoxText));
+    putBack(check.BoxText);
 }
 
 void ValueEditForm::JoinOptionButtons(QRadioButton* first, QRadioButton* second, std::function<void(int index)> click) {
     auto* group = new QButtonGroup(this);
     group->addButton(first, 0);
     group->addButton(second, 1);
-    connect(group, &QButtonGroup::idToggled, this, [click = std::move(click)](int index, bool checked) {
+    connect(group, &QButtonGroup::idToggled, this, Guarded([click = std::move(click)](int index, bool checked) {
         if (checked) click(index);
-    });
+    }));
     const QSignalBlocker quiet(group);  // nothing to convert yet
     first->setChecked(true);
 }
@@ -83,7 +84,25 @@ void ValueBoxForm::SetCaptionAndLength(const std::string& caption, int length) {
 }
 
 int ValueBoxForm::Length() const { return LengthOfBox(Bytes(txtLen->text())); }
-std::string ValueBoxForm::Value() const { return Bytes(txtValue->toPlainText()); }
-void ValueBoxForm::SetValue(const std::string& value) { txtValue->setPlainText(Latin1(value)); }
+// The box holds one character a byte, and every byte must come back as it
+// went in. The box's document would make a carriage return a line break
+// (read back as LF), and its plain text makes a no-break space a blank: a CR
+// stands in the box as the symbol U+240D, and the text is read raw, with
+// its line breaks as LF.
+constexpr char16_t kCarriageReturnSymbol = 0x240D;
+
+std::string ValueBoxForm::Value() const {
+    QString text = txtValue->document()->toRawText();
+    text.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+    text.replace(QChar::LineSeparator, QLatin1Char('\n'));
+    text.replace(QChar(kCarriageReturnSymbol), QLatin1Char('\r'));
+    return Bytes(text);
+}
+
+void ValueBoxForm::SetValue(const std::string& value) {
+    QString text = Latin1(value);
+    text.replace(QLatin1Char('\r'), QChar(kCarriageReturnSymbol));
+    txtValue->setPlainText(text);
+}
 
 }  // namespace sb::ui

@@ -30,7 +30,7 @@ protected:
     // The end of cmdOK: an accepted entry becomes EditValue and the form
     // hides; a refused one brings "Wrong value entered", then putBack puts
     // the box's text right and the form stays open.
-    void Conclude(const EntryCheck& check, const std::function<void(const QString&)>& putBack);
+    void Conclude(const EntryCheck& check, const std::function<void(const std::string&)>& putBack);
     virtual void cmdOK_Click() = 0;
 
     // Two option buttons as one control array: a button that becomes set,

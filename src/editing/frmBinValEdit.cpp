@@ -9,11 +9,11 @@ frmBinValEdit::frmBinValEdit(QWidget* parent) : ValueBoxForm("frmBinValEdit", pa
 void frmBinValEdit::Fill(const std::string& caption, int length, const std::string& value) {
     SetCaptionAndLength(caption, length);
     SetValue(value);
-    EditValue = Value();
+    EditValue = value;
 }
 
 void frmBinValEdit::cmdOK_Click() {
-    Conclude(CheckBinEntry(Value(), Length(), EditValue), [this](const QString& box) { txtValue->setPlainText(box); });
+    Conclude(CheckBinEntry(Value(), Length(), EditValue), [this](const std::string& box) { SetValue(box); });
 }
 
 }  // namespace sb::ui

@@ -13,8 +13,8 @@ class frmBinValEdit final : public ValueBoxForm {
 public:
     explicit frmBinValEdit(QWidget* parent = nullptr);
 
-    // The caller's fill: the caption, txtLen, txtValue, then EditValue from
-    // txtValue.
+    // The caller's fill: the caption, txtLen, txtValue, then EditValue: the
+    // value as txtValue holds it, byte for byte.
     void Fill(const std::string& caption, int length, const std::string& value);
 
 private:

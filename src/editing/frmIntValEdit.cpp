@@ -67,7 +67,7 @@ void frmIntValEdit::optDecHex_Click(int index) {
 void frmIntValEdit::cmdOK_Click() {
     const Radix radix = optDecHex_1->isChecked() ? Radix::Dec : Radix::Hex;
     const IntBoxes boxes{Bytes(txtMin->text()), Bytes(txtMax->text()), Bytes(txtOptValue->text())};
-    Conclude(CheckIntEntry(radix, boxes, EditValue), [this](const QString& box) { txtOptValue->setText(box); });
+    Conclude(CheckIntEntry(radix, boxes, EditValue), [this](const std::string& box) { txtOptValue->setText(Latin1(box)); });
 }
 
 }  // namespace sb::ui

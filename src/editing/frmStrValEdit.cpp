@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 
 #include "editing/StrValueEntry.h"
+#include "ui/MessageBox.h"
 #include "ui/Named.h"
 
 namespace sb::ui {
@@ -21,20 +22,25 @@ frmStrValEdit::frmStrValEdit(QWidget* parent) : ValueBoxForm("frmStrValEdit", pa
 
 void frmStrValEdit::Fill(const std::string& caption, int length, const std::string& value) {
     SetCaptionAndLength(caption, length);
+    // The switch converts what the last use left in the box, which the value
+    // replaces right after: an empty box can't be refused.
+    SetValue({});
     optHexASCII_1->setChecked(true);
     SetValue(value);
-    EditValue = Value();
+    EditValue = value;
 }
 
 void frmStrValEdit::optHexASCII_Click(int index) {
     const QRadioButton* button = index == 0 ? optHexASCII_0 : optHexASCII_1;
     const TextMode to = button->text() == QLatin1String("Hex") ? TextMode::Hex : TextMode::Ascii;
-    SetValue(SwitchTextMode(Value(), to));
+    const ModeSwitch result = SwitchTextMode(Value(), to, EditValue);
+    if (result.Refused) ShowMessage(kWrongValueEntered);
+    SetValue(result.BoxText);
 }
 
 void frmStrValEdit::cmdOK_Click() {
     const TextMode mode = optHexASCII_0->isChecked() ? TextMode::Hex : TextMode::Ascii;
-    Conclude(CheckStrEntry(mode, Value(), Length(), EditValue), [this](const QString& box) { txtValue->setPlainText(box); });
+    Conclude(CheckStrEntry(mode, Value(), Length(), EditValue), [this](const std::string& box) { SetValue(box); });
 }
 
 }  // namespace sb::ui

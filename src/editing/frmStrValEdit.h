@@ -14,7 +14,7 @@ public:
     explicit frmStrValEdit(QWidget* parent = nullptr);
 
     // The caller's fill: the caption, txtLen, "ASCII" set, txtValue, then
-    // EditValue from txtValue.
+    // EditValue: the value as txtValue holds it, byte for byte.
     void Fill(const std::string& caption, int length, const std::string& value);
 
     QRadioButton* optHexASCII_0;  // "Hex"

@@ -4,6 +4,7 @@
 
 #include "mainscreen/UpdateScreens.h"
 #include "mainscreen/frmDeviceCofigurator.h"
+#include "ui/Guarded.h"
 
 namespace sb::ui {
 
@@ -16,12 +17,23 @@ frmDeviceCofigurator::BusyAction::BusyAction(frmDeviceCofigurator& form) : form_
 frmDeviceCofigurator::BusyAction::~BusyAction() {
     if (--form_.busy_ > 0) return;
     form_.mnuOfflineRead->setEnabled(true);
-    if (form_.closeRequested_) form_.Unload();
+    if (form_.closeRequested_)
+        form_.Unload();
+    else if (form_.closeAfterWrite_)
+        form_.close();
 }
 
 void frmDeviceCofigurator::closeEvent(QCloseEvent* event) {
-    // The close is never refused and asks nothing, also not for an edited
-    // image.
+    if (!isEnabled()) {
+        // "Write" locks the whole form, its close box too: the close waits
+        // until the write has ended and said whether the module took the
+        // configuration.
+        event->ignore();
+        closeAfterWrite_ = true;
+        return;
+    }
+    // Otherwise the close is never refused and asks nothing, also not for an
+    // edited image.
     event->accept();
     if (busy_ > 0) {
         // The action runs on inside a wait: its next port operation fails
@@ -37,8 +49,8 @@ void frmDeviceCofigurator::Unload() {
     if (unloaded_) return;
     unloaded_ = true;
     const UpdateScreens& screens = CurrentUpdateScreens();
-    if (screens.UnloadFileCtrl) screens.UnloadFileCtrl();
-    if (screens.UnloadTarnlift) screens.UnloadTarnlift();
+    if (screens.UnloadFileCtrl) Skipping(screens.UnloadFileCtrl);
+    if (screens.UnloadTarnlift) Skipping(screens.UnloadTarnlift);
     editForms_.Unload();
     portControl_.reset();
     emit unloaded();

@@ -5,6 +5,7 @@
 #include <QPalette>
 #include <optional>
 
+#include "ui/Guarded.h"
 #include "ui/Latin1.h"
 
 namespace sb::ui {
@@ -122,13 +123,13 @@ public:
 };
 
 QtOptionTree::QtOptionTree(QTreeWidget& view) : view_(view) {
-    itemChanged_ = QObject::connect(&view_, &QTreeWidget::itemChanged, &view_, [this](QTreeWidgetItem* item, int) {
+    itemChanged_ = QObject::connect(&view_, &QTreeWidget::itemChanged, &view_, Guarded([this](QTreeWidgetItem* item, int) {
         if (writing_ > 0) return;
         const auto found = byItem_.find(item);
         if (found == byItem_.end()) return;
         found->second->TakeCheckState();
         if (onNodeCheck) onNodeCheck(*found->second);
-    });
+    }));
 }
 
 QtOptionTree::~QtOptionTree() { QObject::disconnect(itemChanged_); }

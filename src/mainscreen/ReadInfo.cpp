@@ -8,6 +8,7 @@
 #include "link/PortLists.h"
 #include "link/ReadModule.h"
 #include "mainscreen/frmDeviceCofigurator.h"
+#include "ui/Guarded.h"
 #include "ui/Latin1.h"
 #include "ui/MessageBox.h"
 #include "ui/ModalDialog.h"
@@ -33,7 +34,7 @@ void frmDeviceCofigurator::cmdRdDevInfo_Click() {
     cmdRdDevInfo->setEnabled(false);
     cmdFWUpdate->setEnabled(false);
     // Cancel and "Not Found" end the run without a word.
-    if (OpenChosenPort(kCommPortError, nullptr)) ReadOpenModule();
+    if (OpenChosenPort(kCommPortError, nullptr)) Skipping([this] { ReadOpenModule(); });
     ClosePortQuietly();
     cmdRdDevInfo->setEnabled(true);
     cmdFWUpdate->setEnabled(true);

@@ -6,6 +6,7 @@
 #include "link/SkipOnPortError.h"
 #include "link/Terminal.h"
 #include "mainscreen/frmDeviceCofigurator.h"
+#include "ui/Guarded.h"
 #include "ui/MessageBox.h"
 
 namespace sb::ui {
@@ -26,10 +27,10 @@ void frmDeviceCofigurator::cmdWriteConfig_Click() {
     // The whole form is locked: only the selection dialog and the message
     // boxes take input meanwhile.
     setEnabled(false);
-    if (OpenChosenPort(kComPortError, kNoBootDevice)) {
+    if (OpenChosenPort(kComPortError, kNoBootDevice)) Skipping([this] {
         WaitMs(kBeforeCommandMs);
-        if (!closeRequested_) WriteToOpenModule();
-    }
+        WriteToOpenModule();
+    });
     ClosePortQuietly();
     cmdWriteConfig->setEnabled(true);
     setEnabled(true);
@@ -45,7 +46,6 @@ void frmDeviceCofigurator::WriteToOpenModule() {
     // A port that fails during the exchange leaves the answer empty.
     std::string answer;
     SkipOnPortError([&] { answer = TrimBlanks(TerminalExecute(std::string(cmd::SETAPPCFG) + data, *MSComm1, *status_)); });
-    if (closeRequested_) return;
     ShowMessage(answer == cmd::AnswerOK ? kWritten : kNotWritten);
 }
 

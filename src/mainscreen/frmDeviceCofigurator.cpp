@@ -5,16 +5,24 @@
 #include <QHBoxLayout>
 #include <QMenuBar>
 #include <QVBoxLayout>
+#include <QValidator>
 
 #include "helpers/HexText.h"
 #include "link/QtSerialPort.h"
 #include "mainscreen/ConfigOptionsFile.h"
 #include "mainscreen/UpdateScreens.h"
+#include "ui/Guarded.h"
 #include "ui/Named.h"
 #include "ui/ShowOnly.h"
 
 namespace sb::ui {
 namespace {
+
+class TypingOnly final : public QValidator {
+public:
+    using QValidator::QValidator;
+    State validate(QString&, int&) const override { return Intermediate; }
+};
 
 void AddRow(QGridLayout& grid, QLabel* label, QWidget* box) {
     const int row = grid.rowCount();
@@ -85,6 +93,12 @@ void frmDeviceCofigurator::BuildControls() {
     cmbConfigList = Named(new QComboBox(Frame5), "cmbConfigList");
     cmbConfigList->setEditable(true);
     cmbConfigList->setInsertPolicy(QComboBox::NoInsert);
+    // Typing in the edit field has no effect. The combo box would pick the
+    // entry whose name stands in the field when Enter is pressed or the
+    // field is left; a field that never completes and whose text is never
+    // acceptable ends no edit.
+    cmbConfigList->setCompleter(nullptr);
+    cmbConfigList->setValidator(new TypingOnly(cmbConfigList));
     cmbConfigList->setEnabled(false);
     cmbConfigList->setMinimumContentsLength(22);
     cmdSelPredefCfg = Named(new QPushButton(QStringLiteral("Select"), Frame5), "cmdSelPredefCfg");
@@ -164,26 +178,26 @@ void frmDeviceCofigurator::LayOutControls() {
 }
 
 void frmDeviceCofigurator::ConnectEvents() {
-    connect(cmdRdDevInfo, &QPushButton::clicked, this, [this] { cmdRdDevInfo_Click(); });
-    connect(Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
-    connect(cmdFWUpdate, &QPushButton::clicked, this, [this] { cmdFWUpdate_Click(); });
-    connect(cmdWriteConfig, &QPushButton::clicked, this, [this] { cmdWriteConfig_Click(); });
-    connect(cmdSelPredefCfg, &QPushButton::clicked, this, [this] { cmdSelPredefCfg_Click(); });
+    connect(cmdRdDevInfo, &QPushButton::clicked, this, Guarded([this] { cmdRdDevInfo_Click(); }));
+    connect(Command1, &QPushButton::clicked, this, Guarded([this] { Command1_Click(); }));
+    connect(cmdFWUpdate, &QPushButton::clicked, this, Guarded([this] { cmdFWUpdate_Click(); }));
+    connect(cmdWriteConfig, &QPushButton::clicked, this, Guarded([this] { cmdWriteConfig_Click(); }));
+    connect(cmdSelPredefCfg, &QPushButton::clicked, this, Guarded([this] { cmdSelPredefCfg_Click(); }));
     // The Data Base Viewer/Editor has no function.
     connect(mnuEditor, &QAction::triggered, this, [] {});
     connect(mnuOfflineRead, &QAction::triggered, this, [this] { Command1->click(); });
     // A choice in the list, by mouse or keyboard; typing in its edit field
     // changes nothing.
-    connect(cmbConfigList, &QComboBox::activated, this, [this] { cmbConfigList_Click(); });
+    connect(cmbConfigList, &QComboBox::activated, this, Guarded([this] { cmbConfigList_Click(); }));
     cmbConfigList->installEventFilter(this);
 
     tree_->onNodeCheck = [this](TreeNode& node) { events_->NodeCheck(node); };
-    connect(tvOptions, &OptionTreeView::mouseUp, this, [this] { events_->MouseUp(); });
-    connect(tvOptions, &OptionTreeView::dblClick, this, [this] { events_->DblClick(); });
+    connect(tvOptions, &OptionTreeView::mouseUp, this, Guarded([this] { events_->MouseUp(); }));
+    connect(tvOptions, &OptionTreeView::dblClick, this, Guarded([this] { events_->DblClick(); }));
 }
 
 bool frmDeviceCofigurator::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == cmbConfigList && event->type() == QEvent::FocusOut) cmbConfigList_Validate();
+    if (watched == cmbConfigList && event->type() == QEvent::FocusOut) Skipping([this] { cmbConfigList_Validate(); });
     return QMainWindow::eventFilter(watched, event);
 }
 

@@ -33,8 +33,9 @@ namespace sb::ui {
 // Every action on a module opens the port only for its own length and, on
 // every road, closes it again and enables its controls. The waits of an
 // action run the event loop, so the window stays movable and closable: a
-// close during an action lets it wind down quickly (the port is closed under
-// it) and unloads the program's forms when it has ended.
+// close during a read lets it wind down quickly (the port is closed under
+// it) and unloads the program's forms when it has ended; a close during a
+// write waits for the write's end.
 class frmDeviceCofigurator final : public QMainWindow {
     Q_OBJECT
 public:
@@ -176,7 +177,8 @@ private:
     std::string cfgEditedText_;
     bool txtCfgEditedDataChanged_ = false;
     int busy_ = 0;
-    bool closeRequested_ = false;
+    bool closeRequested_ = false;   // during a read: the port was closed under it
+    bool closeAfterWrite_ = false;  // during a write: refused until its end
     bool unloaded_ = false;
 };
 

@@ -18,9 +18,18 @@ std::string OneLine(const std::string& text) {
     return line;
 }
 
+StatusBarText::StatusBarText(QStatusBar& bar) : bar_(bar) {
+    keep_ = QObject::connect(&bar_, &QStatusBar::messageChanged, &bar_, [this](const QString& message) {
+        if (message != shown_) bar_.showMessage(shown_);
+    });
+}
+
+StatusBarText::~StatusBarText() { QObject::disconnect(keep_); }
+
 void StatusBarText::SetText(const std::string& text) {
     text_ = text;
-    bar_.showMessage(Latin1(OneLine(text)));
+    shown_ = Latin1(OneLine(text));
+    bar_.showMessage(shown_);
     bar_.setToolTip(Latin1(text));
 }
 

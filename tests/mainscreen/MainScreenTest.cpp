@@ -1,8 +1,7 @@
-// The main screen without a module: its controls, the offline run from a
+// The main screen without a module: its start, the offline run from a
 // catalog file, and its end.
 #include <gtest/gtest.h>
 
-#include <QMenuBar>
 #include <QSignalSpy>
 
 #include "ScreenTesting.h"
@@ -12,154 +11,74 @@
 namespace sb::test {
 namespace {
 
-std::string Shown(const QLineEdit* box) { return box->text().toStdString(); }
-std::string Shown(const QPlainTextEdit* box) { return box->toPlainText().toStdString(); }
-
-TEST(MainScreen, StartsWithOnlyReadInfo) {
+TEST(MainScreen, StartsWithOnlyReadInfoAndBoxesThatOnlyShow) {
     Screen screen;
-    ui::frmDeviceCofigurator& form = screen.form;
-    EXPECT_EQ(form.objectName(), "frmDeviceCofigurator");
-    EXPECT_EQ(form.windowTitle(), "Device Info");
-
-    const struct {
-        const char* name;
-        const char* caption;
-        bool enabled;
-    } buttons[] = {
-        {"cmdRdDevInfo", "Read info", true}, {"cmdFWUpdate", "Update", false},
-        {"cmdWriteConfig", "Write", false},  {"cmdSelPredefCfg", "Select", false},
-        {"Command1", "Read info", true},
-    };
-    for (const auto& b : buttons) {
-        auto* button = form.findChild<QPushButton*>(b.name);
-        ASSERT_NE(button, nullptr) << b.name;
-        EXPECT_EQ(button->text(), b.caption);
-        EXPECT_EQ(button->isEnabled(), b.enabled) << b.name;
-    }
-    EXPECT_TRUE(form.Command1->isHidden());
-    EXPECT_FALSE(form.cmbConfigList->isEnabled());
-
-    // The boxes only show: nobody types in them.
-    for (const char* box : {"txtSN", "txtPDate", "txtPVer", "txtPName", "txtVIN", "txtFWName", "txtFWVer", "txtHWVer",
-                            "txtAppInfo", "txtConfigInfo", "txtAppConfig", "txtCfgEdited"}) {
-        auto* widget = form.findChild<QWidget*>(box);
-        ASSERT_NE(widget, nullptr) << box;
-        EXPECT_FALSE(widget->isEnabled()) << box;
-    }
-    for (const char* name : {"tvOptions", "StatusBar", "cmbConfigList"}) EXPECT_NE(form.findChild<QWidget*>(name), nullptr);
-
-    // The selection dialog is loaded, hidden, at the start.
-    EXPECT_EQ(form.PortControl().objectName(), "frmPortControl");
-    EXPECT_TRUE(form.PortControl().isHidden());
+    ui::frmDeviceCofigurator& f = screen.form;
+    for (QPushButton* button : f.findChildren<QPushButton*>())
+        EXPECT_EQ(button->isEnabled(), button == f.cmdRdDevInfo || button == f.Command1) << button->text().toStdString();
+    for (QWidget* box : f.findChildren<QPlainTextEdit*>()) EXPECT_FALSE(box->isEnabled());
+    for (QWidget* box : f.findChildren<QLineEdit*>()) EXPECT_FALSE(box->isEnabled());
+    EXPECT_TRUE(f.Command1->isHidden());
+    EXPECT_TRUE(f.PortControl().isHidden());  // loaded at the start
 }
 
-TEST(OfflineRun, FillsTheScreenLikeARead) {
-    CatalogFolder catalog(kTestCatalog);
-    Screen screen(catalog.Path());
-    MessageRecorder messages;
+TEST(OfflineRun, FillsTheScreenLikeAReadOrSaysWhyAndClearsIt) {
+    CatalogFolder folder(kTestCatalog);
+    Screen screen(folder.Path());
     ui::frmDeviceCofigurator& form = screen.form;
     form.txtAppInfo->setPlainText("from before");
     form.mnuOfflineRead->trigger();
-
-    EXPECT_TRUE(messages.texts.empty());
-    const std::pair<const QLineEdit*, const char*> boxes[] = {
-        {form.txtSN, "XXXXXXXX"},         {form.txtPVer, "X.XX.XX"},
-        {form.txtPName, "Dummy Module"},  {form.txtPDate, "XX.XX.XXXX"},
-        {form.txtVIN, "XXXXXXXXXXXXXXXXX"}, {form.txtFWName, "Dummy Firmware"},
-        {form.txtFWVer, "X.XX.XX"},       {form.txtHWVer, "Dummy Hardware"},
-    };
-    for (const auto& [box, text] : boxes) EXPECT_EQ(Shown(box), text) << box->objectName().toStdString();
-    EXPECT_EQ(Shown(form.txtAppInfo), "from before");
-    // The configuration as the file writes it, blanks and all.
-    EXPECT_EQ(Shown(form.txtAppConfig), "00000000 0F 21 41 5A");
-    EXPECT_EQ(screen.CfgEdited(), kModuleImage);
-    EXPECT_EQ(Shown(form.txtCfgEdited), kModuleImage);
-    EXPECT_EQ(form.Device().PredefCfgs.Items.back().Name, "READED CONFIG");
-    EXPECT_EQ(form.Device().PName, "Dummy Module");
-    EXPECT_TRUE(form.cmdWriteConfig->isEnabled());
-    EXPECT_TRUE(form.cmdSelPredefCfg->isEnabled());
-    EXPECT_TRUE(form.cmbConfigList->isEnabled());
-    EXPECT_FALSE(form.cmdFWUpdate->isEnabled());
+    EXPECT_EQ(form.txtPName->text(), "Dummy Module");
+    EXPECT_EQ(form.txtAppInfo->toPlainText(), "from before");
+    EXPECT_EQ(form.txtAppConfig->toPlainText(), "00000000 0F 21 41 5A");  // as the file writes it
+    EXPECT_EQ(form.cmbConfigList->currentText(), "READED CONFIG");
     EXPECT_EQ(screen.Text("CONFIGURATION00000000"), "Module");
-}
+    EXPECT_EQ(screen.CfgEdited(), kModuleImage);
+    EXPECT_TRUE(form.cmdWriteConfig->isEnabled());
+    EXPECT_FALSE(form.cmdFWUpdate->isEnabled());
 
-TEST(OfflineRun, EachRoadOfFailureSaysWhyAndClearsTheScreen) {
-    const std::string good = kTestCatalog;
-    auto replaced = [&](const std::string& from, const std::string& to) {
-        std::string text = good;
-        text.replace(text.find(from), from.size(), to);
-        return text;
-    };
+    std::string text = kTestCatalog;
     const struct {
-        const char* name;
         std::string catalog;  // empty: no file at all
         std::vector<std::string> messages;
-        bool placeholders;
-        int entries;  // in the list afterwards
-    } cases[] = {
-        {"no file", "", {"File was not found: PATH", "Module do not support info file feature"}, false, 0},
-        {"catalog refused", replaced("L=\"8\"", "L=\"4\""), {"Module do not support info file feature"}, true, 0},
-        // The attribute must read "0" exactly; the last entry becomes the
-        // working image.
-        {"no module configuration", replaced("I=\"0\"", "I=\"00\""), {"Module has wrong configuration"}, true, 3},
+    } failures[] = {
+        {"", {"File was not found: " + folder.Path(), "Module do not support info file feature"}},
+        {std::string(text).replace(text.find("L=\"8\""), 5, "L=\"4\""), {"Module do not support info file feature"}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        CatalogFolder folder(c.catalog.empty() ? good : c.catalog);
-        const std::string path = c.catalog.empty() ? folder.Path() + ".missing" : folder.Path();
-        CatalogFolder earlier(kTestCatalog);
-        Screen screen(earlier.Path());
-        screen.form.Command1->click();  // a good run first: the failing one must clear it
-        ui::frmDeviceCofigurator failing(path);
-        failing.show();
+    for (const auto& failure : failures) {
+        form.Command1->click();
+        folder.Write(failure.catalog);
         MessageRecorder messages;
-        failing.Command1->click();
-
-        std::vector<std::string> expected = c.messages;
-        for (std::string& text : expected)
-            if (auto at = text.find("PATH"); at != std::string::npos) text.replace(at, 4, path);
-        EXPECT_EQ(messages.texts, expected);
-        EXPECT_EQ(failing.cmbConfigList->count(), c.entries);
-        EXPECT_EQ(failing.txtSN->text() == "XXXXXXXX", c.placeholders);
-        EXPECT_FALSE(failing.cmdFWUpdate->isEnabled());
-        if (c.entries == 0) {
-            EXPECT_EQ(failing.tvOptions->topLevelItemCount(), 0);
-            EXPECT_EQ(failing.CfgEditedText(), "");
-            EXPECT_FALSE(failing.cmdWriteConfig->isEnabled());
-            EXPECT_FALSE(failing.cmbConfigList->isEnabled());
-        } else {
-            EXPECT_EQ(failing.cmbConfigList->currentText(), "Car");
-            EXPECT_EQ(failing.CfgEditedText(), kCarImage);
-            EXPECT_EQ(failing.tvOptions->topLevelItem(0)->text(0), "Car");
-        }
+        form.Command1->click();
+        EXPECT_EQ(messages.texts, failure.messages);
+        EXPECT_EQ(form.cmbConfigList->count(), 0);
+        EXPECT_EQ(form.tvOptions->topLevelItemCount(), 0);
+        EXPECT_EQ(screen.CfgEdited(), "");
+        EXPECT_FALSE(form.cmdWriteConfig->isEnabled());
+        folder.Write(kTestCatalog);
     }
 }
 
 TEST(MainScreen, ClosingUnloadsTheOtherFormsInTheirOrder) {
-    CatalogFolder catalog(kTestCatalog);
     std::vector<std::string> unloaded;
-    ui::SetUpdateScreens({nullptr, [&] { unloaded.push_back("frmFileCtrl"); },
-                          [&] { unloaded.push_back("frmTarnlift"); }});
+    ui::SetUpdateScreens({nullptr, [&] { unloaded.push_back("frmFileCtrl"); }, [&] { unloaded.push_back("frmTarnlift"); }});
     {
-        Screen screen(catalog.Path());
-        ModalScript modal;
-        screen.form.Command1->click();
-        for (const char* key : {"OPTION00000001", "OPTION00000004", "OPTION00000005"}) screen.DoubleClick(key);
-        ASSERT_EQ(modal.shown.size(), 3u);
+        Screen screen;
+        ModalScript modal;  // each form ends as with Cancel
         ui::ValueEditForms& forms = screen.form.EditForms();
+        forms.EditInt("", "", "", "");
+        forms.EditBin("", 0, "");
+        forms.EditStr("", 0, "");
         for (QObject* form : std::initializer_list<QObject*>{forms.IntForm(), forms.BinForm(), forms.StrForm(),
                                                              &screen.form.PortControl()})
-            QObject::connect(form, &QObject::destroyed, [&unloaded, name = form->objectName().toStdString()] {
-                unloaded.push_back(name);
-            });
+            QObject::connect(form, &QObject::destroyed, [&, name = form->objectName().toStdString()] { unloaded.push_back(name); });
         QSignalSpy ended(&screen.form, &ui::frmDeviceCofigurator::unloaded);
         EXPECT_TRUE(screen.form.close());
         EXPECT_EQ(ended.count(), 1);
     }
     ui::SetUpdateScreens({});
-    const std::vector<std::string> order = {"frmFileCtrl",   "frmTarnlift",   "frmIntValEdit",
-                                            "frmBinValEdit", "frmStrValEdit", "frmPortControl"};
-    EXPECT_EQ(unloaded, order);
+    EXPECT_EQ(unloaded, (std::vector<std::string>{"frmFileCtrl", "frmTarnlift", "frmIntValEdit", "frmBinValEdit",
+                                                  "frmStrValEdit", "frmPortControl"}));
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // "Read info" and "Write" against the virtual module on a pseudo-terminal.
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
+#include <QMenuBar>
 #include <QSignalSpy>
 #include <QTimer>
 
@@ -12,182 +12,110 @@
 namespace sb::test {
 namespace {
 
-std::string Box(const QLineEdit* box) { return box->text().toStdString(); }
-std::string Box(const QPlainTextEdit* box) { return box->toPlainText().toStdString(); }
+struct ModuleScreen : ::testing::Test {
+    // Picks the port, and closes the window in the wait that follows.
+    void CloseDuringTheAction() {
+        modal.Then([&](QDialog& dialog) {
+            QTimer::singleShot(0, &form, [&] {
+                form.close();
+                portOpenAfterClose = form.ComPort().PortOpen();
+            });
+            Click(dialog, "cmdSelect");
+        });
+    }
+    // Points the selection dialog at a port that does not exist.
+    void ChooseMissingPort() {
+        modal.Then([](QDialog& dialog) {
+            dialog.findChild<QLineEdit*>("txtSelPort")->setText("/dev/servicebay-no-such-port");
+            Click(dialog, "cmdSelect");
+        });
+    }
+    static bool StartsWith(const std::string& text, const char* start) { return text.rfind(start, 0) == 0; }
 
-// Points the selection dialog at a port that does not exist.
-void ChooseMissingPort(QDialog& dialog) {
-    dialog.findChild<QLineEdit*>("txtSelPort")->setText("/dev/servicebay-no-such-port");
-    Click(dialog, "cmdSelect");
-}
-
-std::string FirstLine(const std::string& text) { return text.substr(0, text.find("\r\n")); }
-
-struct ReadInfo : ::testing::Test {
     ModalScript modal;
     MessageRecorder messages;
+    Screen screen;
+    ui::frmDeviceCofigurator& form = screen.form;
+    QSignalSpy unloaded{&form, &ui::frmDeviceCofigurator::unloaded};
+    bool portOpenAfterClose = false;
 };
 
-TEST_F(ReadInfo, FillsTheScreenWithTheModulesData) {
+TEST_F(ModuleScreen, ReadFillsTheScreenAndWriteSendsTheEditedImage) {
     VirtualModule module;
-    Screen screen;
-    ui::frmDeviceCofigurator& form = screen.form;
     form.cmdRdDevInfo->click();
-
-    EXPECT_TRUE(messages.texts.empty());
-    EXPECT_EQ(modal.shown, std::vector<std::string>{"frmPortControl"});
     const std::pair<const QLineEdit*, const char*> boxes[] = {
-        {form.txtSN, "SN0042"},          {form.txtPVer, "1.2.3"},  {form.txtPName, "Test module"},
-        {form.txtPDate, "01.02.2024"},   {form.txtVIN, "VIN0000000000042"}, {form.txtFWName, "TESTAPP"},
-        {form.txtFWVer, "4.5.6"},        {form.txtHWVer, "HW 7"},
+        {form.txtSN, "SN0042"},        {form.txtPVer, "1.2.3"},           {form.txtPName, "Test module"},
+        {form.txtPDate, "01.02.2024"}, {form.txtVIN, "VIN0000000000042"}, {form.txtFWName, "TESTAPP"},
+        {form.txtFWVer, "4.5.6"},      {form.txtHWVer, "HW 7"},
     };
-    for (const auto& [box, text] : boxes) EXPECT_EQ(Box(box), text) << box->objectName().toStdString();
-    // The application info stands as it came, blanks and line ends included.
-    EXPECT_EQ(Box(form.txtAppInfo), "  first line\nsecond line");
-    EXPECT_EQ(Box(form.txtAppConfig), kModuleImage);
-    EXPECT_EQ(screen.CfgEdited(), kModuleImage);
-    EXPECT_EQ(form.cmbConfigList->count(), 4);
+    for (const auto& [box, text] : boxes) EXPECT_EQ(box->text(), text) << box->objectName().toStdString();
+    EXPECT_EQ(form.txtAppInfo->toPlainText(), "  first line\nsecond line");  // as it came
+    EXPECT_EQ(form.txtAppConfig->toPlainText(), kModuleImage);
     EXPECT_EQ(form.cmbConfigList->currentText(), "READED CONFIG");
-    EXPECT_EQ(screen.Text("CONFIGURATION00000000"), "Module");
-    EXPECT_TRUE(screen.On("OPTION00000002_VALUE00000001"));
-    for (QWidget* button : std::initializer_list<QWidget*>{form.cmdRdDevInfo, form.cmdFWUpdate, form.cmdWriteConfig,
-                                                           form.cmdSelPredefCfg, form.cmbConfigList})
-        EXPECT_TRUE(button->isEnabled()) << button->objectName().toStdString();
+    EXPECT_TRUE(form.cmdFWUpdate->isEnabled() && form.cmdWriteConfig->isEnabled() && form.cmdSelPredefCfg->isEnabled());
     EXPECT_FALSE(form.ComPort().PortOpen());
+    // The last status text stays, also when the Tools menu opens.
+    form.menuBar()->setActiveAction(form.mnuTools->menuAction());
+    form.mnuTools->setActiveAction(form.mnuEditor);
+    form.mnuTools->hide();
     EXPECT_EQ(form.StatusBar->currentMessage(), "Answer received");
 
-    // A second read of the same module: the box's text stays, and the tree is
-    // built once more all the same.
+    // The same module again: the box's text stays, the tree is built anew.
     screen.ClickBox("OPTION00000002_VALUE00000000");
     form.cmdRdDevInfo->click();
-    EXPECT_EQ(screen.CfgEdited(), kModuleImage);
     EXPECT_TRUE(screen.On("OPTION00000002_VALUE00000001"));
-    EXPECT_TRUE(messages.texts.empty());
-}
 
-TEST_F(ReadInfo, ModuleWithoutAUsableConfiguration) {
-    // A catalog that is no XML document brings the parser's reason first.
-    const struct {
-        const char* fault;
-        size_t messageCount;
-        const char* lastMessage;
-        int entries;
-    } cases[] = {
-        {"--catalog-missing", 2, "Module do not support info file feature", 0},
-        {"--catalog-broken", 2, "Module do not support info file feature", 0},
-        {"--config-length=7", 1, "Module has wrong configuration", 3},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.fault);
-        VirtualModule module({c.fault});
-        Screen screen;
-        messages.texts.clear();
-        screen.form.cmdRdDevInfo->click();
-        ASSERT_EQ(messages.texts.size(), c.messageCount);
-        EXPECT_EQ(messages.texts.back(), c.lastMessage);
-        EXPECT_EQ(Box(screen.form.txtSN), "SN0042");
-        EXPECT_EQ(screen.form.cmbConfigList->count(), c.entries);
-        EXPECT_EQ(screen.form.cmdWriteConfig->isEnabled(), c.entries > 0);
-        EXPECT_TRUE(screen.form.cmdFWUpdate->isEnabled());
-        if (c.entries == 0) {
-            EXPECT_EQ(screen.form.tvOptions->topLevelItemCount(), 0);
-        } else {
-            // The last catalog entry became the working image.
-            EXPECT_EQ(screen.CfgEdited(), kCarImage);
-            EXPECT_EQ(screen.Text("CONFIGURATION00000002"), "Car");
-        }
-    }
-}
-
-TEST_F(ReadInfo, SilentModuleLeavesNoAnswerInEveryBox) {
-    VirtualModule module({"--silent"});
-    Screen screen;
-    screen.form.cmdRdDevInfo->click();
-    for (const QLineEdit* box : {screen.form.txtSN, screen.form.txtVIN, screen.form.txtHWVer})
-        EXPECT_EQ(Box(box), "No answer");
-    EXPECT_EQ(Box(screen.form.txtAppInfo), "No answer");
-    ASSERT_FALSE(messages.texts.empty());
-    EXPECT_EQ(messages.texts.back(), "Module do not support info file feature");
-    EXPECT_EQ(screen.form.StatusBar->currentMessage(), "No answer");
-    EXPECT_FALSE(screen.form.ComPort().PortOpen());
-}
-
-TEST_F(ReadInfo, CancelOrAPortThatFailsChangesNothing) {
-    VirtualModule module;
-    Screen screen;
-    ui::frmDeviceCofigurator& form = screen.form;
-    modal.Then([](QDialog& dialog) { Click(dialog, "cmdCancel"); });
-    form.cmdRdDevInfo->click();
-    EXPECT_TRUE(messages.texts.empty());
-    EXPECT_EQ(Box(form.txtSN), "");
-    // Update is enabled at the end of the first read, whatever its road.
-    EXPECT_TRUE(form.cmdFWUpdate->isEnabled());
-    EXPECT_EQ(form.StatusBar->currentMessage(), "Scan for connected devices");
-
-    modal.Then(ChooseMissingPort);
-    form.cmdRdDevInfo->click();
-    ASSERT_EQ(messages.texts.size(), 1u);
-    EXPECT_EQ(FirstLine(messages.texts[0]), "CommPort Error");
-    // The system's reason follows on a second line.
-    EXPECT_GT(messages.texts[0].size(), std::string("CommPort Error\r\n").size());
-    EXPECT_EQ(Box(form.txtSN), "");
-    EXPECT_TRUE(form.cmdRdDevInfo->isEnabled());
-    EXPECT_FALSE(form.cmdWriteConfig->isEnabled());
-}
-
-TEST_F(ReadInfo, WindowClosedDuringTheReadEndsTheProgramQuietly) {
-    VirtualModule module({"--silent"});
-    Screen screen;
-    QSignalSpy unloaded(&screen.form, &ui::frmDeviceCofigurator::unloaded);
-    QElapsedTimer clock;
-    clock.start();
-    QTimer::singleShot(1500, &screen.form, [&] { screen.form.close(); });
-    screen.form.cmdRdDevInfo->click();
-    // Eleven silent exchanges would take about 22 s; the closed port ends them.
-    EXPECT_LT(clock.elapsed(), 15000);
-    EXPECT_EQ(unloaded.count(), 1);
-    EXPECT_TRUE(messages.texts.empty());
-    EXPECT_FALSE(screen.form.isVisible());
-}
-
-struct WriteConfig : ReadInfo {};
-
-TEST_F(WriteConfig, SendsTheEditedImageAndSaysWhatTheModuleAnswered) {
-    VirtualModule module;
-    Screen screen;
-    ui::frmDeviceCofigurator& form = screen.form;
-    form.cmdRdDevInfo->click();
+    // A close during the write waits until the module has answered.
     screen.ClickBox("OPTION00000002_VALUE00000002");
-    ASSERT_EQ(screen.CfgEdited(), "000000000F22415A");
+    CloseDuringTheAction();
     form.cmdWriteConfig->click();
+    EXPECT_TRUE(portOpenAfterClose);
     EXPECT_EQ(messages.texts, std::vector<std::string>{"Config written successfully!"});
     EXPECT_EQ(module.State("AppConfig"), "000000000F22415A");
-    EXPECT_TRUE(form.isEnabled());
-    EXPECT_TRUE(form.cmdWriteConfig->isEnabled());
     EXPECT_FALSE(form.ComPort().PortOpen());
-    // Nothing is read back: the read configuration stays as it was.
-    EXPECT_EQ(Box(form.txtAppConfig), kModuleImage);
+    EXPECT_EQ(form.txtAppConfig->toPlainText(), kModuleImage);  // nothing is read back
+    EXPECT_EQ(unloaded.count(), 1);
+    EXPECT_FALSE(form.isVisible());
 }
 
-TEST_F(WriteConfig, EachRoadOfFailureHasItsMessage) {
-    VirtualModule module({"--lowercase-ok"});
-    Screen screen;
-    ui::frmDeviceCofigurator& form = screen.form;
+TEST_F(ModuleScreen, EachRoadOfAFailingReadOrWrite) {
+    VirtualModule module;
+    modal.Then([](QDialog& dialog) { Click(dialog, "cmdCancel"); });
+    form.cmdRdDevInfo->click();  // ends without a word
+    EXPECT_TRUE(messages.texts.empty());
+    EXPECT_TRUE(form.cmdFWUpdate->isEnabled());  // after the first read, whatever its road
+    EXPECT_EQ(form.StatusBar->currentMessage(), "Scan for connected devices");
+    ChooseMissingPort();
     form.cmdRdDevInfo->click();
-    messages.texts.clear();
+    EXPECT_EQ(form.txtSN->text(), "");
 
-    form.cmdWriteConfig->click();  // the module answers "ok"
+    form.cmdRdDevInfo->click();
     modal.Then([](QDialog& dialog) { Click(dialog, "cmdCancel"); });
     form.cmdWriteConfig->click();
-    modal.Then(ChooseMissingPort);
+    ChooseMissingPort();
     form.cmdWriteConfig->click();
     ASSERT_EQ(messages.texts.size(), 3u);
-    EXPECT_EQ(messages.texts[0], "Error! Config was not set !");
+    // The system's reason follows on a second line.
+    EXPECT_TRUE(StartsWith(messages.texts[0], "CommPort Error\r\n")) << messages.texts[0];
     EXPECT_EQ(messages.texts[1], "Cant find device in boot mode");
-    EXPECT_EQ(FirstLine(messages.texts[2]), "COMPort Error");
-    EXPECT_TRUE(form.isEnabled());
-    EXPECT_TRUE(form.cmdWriteConfig->isEnabled());
-    EXPECT_EQ(module.State("AppConfig"), kModuleImage);
+    EXPECT_TRUE(StartsWith(messages.texts[2], "COMPort Error\r\n")) << messages.texts[2];
+    EXPECT_TRUE(form.isEnabled() && form.cmdWriteConfig->isEnabled() && form.cmdRdDevInfo->isEnabled());
+
+    // A close during a read closes the port under it, and the program ends.
+    CloseDuringTheAction();
+    form.cmdRdDevInfo->click();
+    EXPECT_FALSE(portOpenAfterClose);
+    EXPECT_EQ(unloaded.count(), 1);
+    EXPECT_EQ(messages.texts.size(), 3u);
+}
+
+TEST_F(ModuleScreen, WrongLengthTakesTheLastEntryAndAnAnswerButOkIsNoSuccess) {
+    VirtualModule module({"--config-length=7", "--lowercase-ok"});
+    form.cmdRdDevInfo->click();
+    EXPECT_EQ(form.cmbConfigList->count(), 3);
+    EXPECT_EQ(screen.CfgEdited(), kCarImage);
+    form.cmdWriteConfig->click();  // the module answers "ok"
+    EXPECT_EQ(messages.texts, (std::vector<std::string>{"Module has wrong configuration", "Error! Config was not set !"}));
 }
 
 }  // namespace

@@ -1,9 +1,8 @@
 #include "ScreenTesting.h"
 
 #include <QFile>
-#include <QFont>
-#include <QMouseEvent>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -15,31 +14,9 @@
 #include "helpers/Waiting.h"
 #include "ui/Latin1.h"
 #include "ui/ModalDialog.h"
+#include "ui/QtWaitContext.h"
 
 namespace sb::test {
-namespace {
-
-// Mouse events straight to the widget: the window system's double-click
-// detection, which goes by time and place, plays no part, so two clicks in a
-// row stay two clicks.
-void SendMouse(QWidget* widget, QEvent::Type type, QPoint at) {
-    const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
-    QMouseEvent event(type, at, widget->mapToGlobal(at), Qt::LeftButton, held, Qt::NoModifier);
-    QApplication::sendEvent(widget, &event);
-}
-
-}  // namespace
-
-void ClickAt(QWidget* widget, QPoint at) {
-    SendMouse(widget, QEvent::MouseButtonPress, at);
-    SendMouse(widget, QEvent::MouseButtonRelease, at);
-}
-
-void DoubleClickAt(QWidget* widget, QPoint at) {
-    ClickAt(widget, at);
-    SendMouse(widget, QEvent::MouseButtonDblClick, at);
-    SendMouse(widget, QEvent::MouseButtonRelease, at);
-}
 
 QApplication& Application() {
     static int argc = 1;
@@ -84,15 +61,14 @@ ModalScript::Step EnterValue(const std::string& text, const char* button, const 
     };
 }
 
-CatalogFolder::CatalogFolder(const std::string& text) {
-    QFile file(QDir(dir_.path()).filePath(QStringLiteral("ConfigOptions.xml")));
-    if (!file.open(QIODevice::WriteOnly)) throw std::runtime_error("cannot write the catalog");
-    file.write(text.data(), static_cast<qint64>(text.size()));
+void CatalogFolder::Write(const std::string& text) {
+    QFile file(QString::fromStdString(Path()));
+    file.remove();
+    if (!text.empty() && (!file.open(QIODevice::WriteOnly) || file.write(text.data(), qint64(text.size())) < 0))
+        throw std::runtime_error("cannot write the catalog");
 }
 
-std::string CatalogFolder::Path() const {
-    return QDir(dir_.path()).filePath(QStringLiteral("ConfigOptions.xml")).toStdString();
-}
+std::string CatalogFolder::Path() const { return dir_.filePath(QStringLiteral("ConfigOptions.xml")).toStdString(); }
 
 Screen::Screen(const std::string& configOptionsPath) : form((Application(), configOptionsPath)) {
     form.show();
@@ -107,57 +83,34 @@ QTreeWidgetItem* Screen::Item(const std::string& key) {
 
 std::string Screen::Text(const std::string& key) { return ui::Bytes(Item(key)->text(0)); }
 
-std::string Screen::Tag(const std::string& key) {
-    const QByteArray tag = Item(key)->data(0, ui::QtOptionTree::kTagRole).toByteArray();
-    return std::string(tag.constData(), static_cast<size_t>(tag.size()));
-}
+bool Screen::On(const std::string& key) { return Item(key)->checkState(0) == Qt::Checked && Item(key)->font(0).bold(); }
 
-bool Screen::On(const std::string& key) {
-    QTreeWidgetItem* item = Item(key);
-    const bool checked = item->checkState(0) == Qt::Checked;
-    if (checked != item->font(0).bold()) throw std::logic_error(key + ": ticked and bold disagree");
-    return checked;
-}
-
-std::string Screen::Color(const std::string& key) {
-    const QColor color = Item(key)->foreground(0).color();
-    if (color == QColor(0, 0, 0)) return "black";
-    if (color == QColor(255, 0, 0)) return "red";
-    if (color == QColor(0, 0, 255)) return "blue";
-    if (color == form.tvOptions->palette().color(QPalette::Disabled, QPalette::Text)) return "gray";
-    return color.name().toStdString();
-}
-
-void Screen::ClickBox(const std::string& key) {
+void Screen::Click(const std::string& key, bool onBox, bool twice) {
     QTreeWidgetItem* item = Item(key);
     for (QTreeWidgetItem* up = item->parent(); up; up = up->parent()) up->setExpanded(true);
     QTreeWidget* view = form.tvOptions;
     view->scrollToItem(item);
     QApplication::processEvents();
-
     QStyleOptionViewItem option;
     option.initFrom(view->viewport());
     option.rect = view->visualItemRect(item);
     option.features = QStyleOptionViewItem::HasCheckIndicator | QStyleOptionViewItem::HasDisplay;
-    option.text = item->text(0);
-    option.font = item->font(0);
-    option.checkState = item->checkState(0);
     const QRect box = view->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, view);
-    ClickAt(view->viewport(), box.center());
+    // Well right of the box for the text.
+    const QPoint at = onBox ? box.center() : QPoint(option.rect.center().x(), box.center().y());
+    // Straight to the widget: the window system's double-click detection,
+    // which goes by time and place, plays no part, so two clicks in a row
+    // stay two clicks.
+    auto send = [&](QEvent::Type type) {
+        const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(type, at, view->viewport()->mapToGlobal(at), Qt::LeftButton, held, Qt::NoModifier);
+        QApplication::sendEvent(view->viewport(), &event);
+    };
+    send(QEvent::MouseButtonPress);
+    send(QEvent::MouseButtonRelease);
+    if (!twice) return;
+    send(QEvent::MouseButtonDblClick);
+    send(QEvent::MouseButtonRelease);
 }
-
-QPoint Screen::TextOf(const std::string& key) {
-    QTreeWidgetItem* item = Item(key);
-    for (QTreeWidgetItem* up = item->parent(); up; up = up->parent()) up->setExpanded(true);
-    QTreeWidget* view = form.tvOptions;
-    view->scrollToItem(item);
-    QApplication::processEvents();
-    const QRect row = view->visualItemRect(item);
-    // Well right of the check box.
-    return {row.left() + row.width() / 2, row.center().y()};
-}
-
-void Screen::ClickText(const std::string& key) { ClickAt(form.tvOptions->viewport(), TextOf(key)); }
-void Screen::DoubleClick(const std::string& key) { DoubleClickAt(form.tvOptions->viewport(), TextOf(key)); }
 
 }  // namespace sb::test

@@ -1,7 +1,6 @@
 #pragma once
 #include <QApplication>
 #include <QDialog>
-#include <QDir>
 #include <QTemporaryDir>
 #include <QTreeWidget>
 #include <deque>
@@ -10,11 +9,10 @@
 
 #include "MessageRecorder.h"
 #include "mainscreen/frmDeviceCofigurator.h"
-#include "ui/QtWaitContext.h"
 
 // What the screen tests share: one application with the Qt event loop as the
 // wait context, modal dialogs worked by scripted steps instead of a person,
-// and access to the tree's nodes by key.
+// and the tree's nodes by key, clicked with the mouse.
 namespace sb::test {
 
 // The application of the test program, made at the first call.
@@ -37,20 +35,17 @@ public:
     std::vector<std::string> shown;
 };
 
-// Press and release of the left button; the same and a double click.
-void ClickAt(QWidget* widget, QPoint at);
-void DoubleClickAt(QWidget* widget, QPoint at);
-
 // Clicks the named button of a dialog.
 void Click(QDialog& dialog, const char* button);
 // Step: sets the value box (txtOptValue or txtValue) of a value edit form,
 // optionally switches a mode button first, and clicks cmdOK or cmdCancel.
 ModalScript::Step EnterValue(const std::string& text, const char* button = "cmdOK", const char* mode = nullptr);
 
-// A catalog file in a folder of its own.
+// A folder with ConfigOptions.xml; an empty text leaves the file out.
 class CatalogFolder {
 public:
-    explicit CatalogFolder(const std::string& text);
+    explicit CatalogFolder(const std::string& text) { Write(text); }
+    void Write(const std::string& text);
     std::string Path() const;
 
 private:
@@ -64,20 +59,16 @@ struct Screen {
 
     QTreeWidgetItem* Item(const std::string& key);
     std::string Text(const std::string& key);
-    std::string Tag(const std::string& key);
-    bool On(const std::string& key);  // checked and bold
-    std::string Color(const std::string& key);  // "black", "red", "blue", "gray" or the colour's name
+    bool On(const std::string& key);  // ticked and bold
     std::string CfgEdited() const { return form.CfgEditedText(); }
 
-    // A real mouse click on the check box of a node, expanded into view.
-    void ClickBox(const std::string& key);
-    // A click on the node's text, away from its box.
-    void ClickText(const std::string& key);
-    // Selects the node and double-clicks it.
-    void DoubleClick(const std::string& key);
-
-private:
-    QPoint TextOf(const std::string& key);
+    // Mouse clicks as a person makes them, on a node's check box or on its
+    // text, once or twice; the node is expanded into view first.
+    void Click(const std::string& key, bool onBox, bool twice);
+    void ClickBox(const std::string& key) { Click(key, true, false); }
+    void DoubleClickBox(const std::string& key) { Click(key, true, true); }
+    void ClickText(const std::string& key) { Click(key, false, false); }
+    void DoubleClick(const std::string& key) { Click(key, false, true); }
 };
 
 }  // namespace sb::test

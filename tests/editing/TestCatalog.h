@@ -1,10 +1,11 @@
 #pragma once
 
-// A small catalog of eight-byte images for the screen tests:
+// A small catalog of eight-byte images for the tests of the editing:
 //   0 Type    INT  bits 0-31, list Base (0) and Car (4): the configuration's Id
 //   1 Limit   INT  bits 32-39, 10..20, units " km/h", no list
 //   2 Mode    INT  bits 40-43, list Off, On, Auto
-//   3 Lamps   BITFIELD bits 44-47: Low (01), High (02), Both (03, sets both)
+//   3 Lamps   BITFIELD bits 44-47: Low (01), High (02), Both (03: sets both,
+//             and when switched off clears High alone)
 //   4 Key     BIN  bits 48-55
 //   5 Tag     STR  bits 56-63
 //   6 Hidden  INT  bits 56-63, never visible
@@ -19,7 +20,7 @@ inline constexpr const char* kTestCatalog = R"(<?xml version="1.0"?>
  <O N="Limit" S="20" L="8" T="INT" m="10" M="20" U=" km/h"/>
  <O N="Mode" S="28" L="4" T="INT"><L V="0">Off</L><L V="1">On</L><L V="2">Auto</L></O>
  <O N="Lamps" S="2C" L="4" T="BITFIELD">
-  <L V="01" M="01" RV="00">Low</L><L V="02" M="02" RV="00">High</L><L V="03" M="03" RV="00">Both</L>
+  <L V="01" M="01" RV="00">Low</L><L V="02" M="02" RV="00">High</L><L V="03" M="03" RM="02" RV="00">Both</L>
  </O>
  <O N="Key" S="30" L="8" T="BIN"/>
  <O N="Tag" S="38" L="8" T="STR"/>
