@@ -32,8 +32,13 @@ std::string ParserWords(const Json::parse_error& e) {
 Json ParsedJson(const std::string& text, const std::string& source) {
     if (text.find_first_not_of(" \t\r\n") == std::string::npos)
         Refuse(ConfigFault::NotJson, source, "the file is empty");
+    // The list of options is for people; dropping it while parsing saves
+    // building thousands of values that nobody reads.
+    const auto dropOptions = [](int depth, Json::parse_event_t event, Json& parsed) {
+        return !(depth == 1 && event == Json::parse_event_t::key && parsed == fields::kOptions);
+    };
     try {
-        return Json::parse(text);
+        return Json::parse(text, dropOptions);
     } catch (const Json::parse_error& e) {
         // The parser counts the end of the input as one more character read.
         if (e.byte > text.size())
