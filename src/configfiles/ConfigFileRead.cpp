@@ -53,18 +53,21 @@ void CheckFormat(const Json& json, const std::string& source) {
         Refuse(ConfigFault::OtherFormat, source, "not a configuration file: it names no format");
     if (*format != kConfigFormat)
         Refuse(ConfigFault::OtherFormat, source,
-               "not a configuration file: its format is " + format->dump() + ", not " + Quoted(kConfigFormat));
+               "not a configuration file: its format is " + format->dump(-1, ' ', true) + ", not " + Quoted(kConfigFormat));
     const auto version = json.find(fields::kVersion);
     if (version == json.end())
         Refuse(ConfigFault::OtherVersion, source, "the file names no version of its format");
-    if (!version->is_number_integer() || *version != kConfigVersion)
+    if (*version != kConfigVersion)
         Refuse(ConfigFault::OtherVersion, source,
-               "the file is of version " + version->dump() + "; this program reads version " +
+               "the file is of version " + version->dump(-1, ' ', true) + "; this program reads version " +
                    std::to_string(kConfigVersion));
 }
 
-std::string TextField(const Json& object, const std::string& name, const std::string& source) {
-    const auto field = object.find(name.substr(name.rfind('.') + 1));
+// within names the object in messages when it is not the document itself.
+std::string TextField(const Json& object, const std::string& member, const std::string& source,
+                      const std::string& within = "") {
+    const std::string name = within.empty() ? member : within + "." + member;
+    const auto field = object.find(member);
     if (field == object.end()) Refuse(ConfigFault::BadField, source, "the field " + Quoted(name) + " is missing");
     std::optional<std::string> bytes = BytesOfJson(*field);
     if (!bytes)
@@ -79,7 +82,7 @@ ModuleIdentity ModuleField(const Json& json, const std::string& source) {
         Refuse(ConfigFault::BadField, source, "the field " + Quoted(fields::kModule) + " is missing or no object");
     ModuleIdentity identity;
     for (const auto& [name, field] : fields::kModuleFields)
-        identity.*field = TextField(*module, std::string(fields::kModule) + "." + name, source);
+        identity.*field = TextField(*module, name, source, fields::kModule);
     return identity;
 }
 

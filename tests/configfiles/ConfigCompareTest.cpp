@@ -29,24 +29,25 @@ TEST(ConfigCompare, OneChangedOptionIsTheOneNamedWithBothShownTexts) {
 
 TEST(ConfigCompare, LinesMatchOptionsByNameAcrossCatalogsAndMarkHiddenOnes) {
     const DeviceInfo a = LoadedDevice();
-    // B's catalog has no Hidden, and a Speed that its configuration hides.
+    // B's catalog has no Hidden but a Speed, other units for Limit, another
+    // text for Mode's 1, and no configuration of the Id 00000004.
     const DeviceInfo b = LoadedDevice(CatalogXml(
         "8",
-        R"(<O N="Limit" S="30" L="10" T="INT" U=" km/h"/><O N="Speed" S="28" L="2" T="INT"/>)"
-        "<O N=\"Mod\xE9\" S=\"20\" L=\"8\" T=\"INT\"><L V=\"0\">Off</L><L V=\"1\">On</L></O>",
-        R"(<C N="Passenger car" I="00000004" V="05">0400000000002C01</C>)"));
-    const std::string imageB = WithOption(a, 2, "00000050");
-    const std::vector<std::string> lines =
-        ComparisonLines(CompareConfigurations(a, a.PredefCfgs.Items[1].Data, b, imageB), "file", "module");
+        R"(<O N="Limit" S="30" L="10" T="INT" U=" kph"/><O N="Speed" S="28" L="2" T="INT"/>)"
+        "<O N=\"Mod\xE9\" S=\"20\" L=\"8\" T=\"INT\"><L V=\"1\">Off</L></O>",
+        R"(<C V="7">0900000000002C01</C>)"));
+    const std::vector<std::string> lines = ComparisonLines(
+        CompareConfigurations(a, a.PredefCfgs.Items[1].Data, b, WithOption(a, 0, "00000001")), "file", "module");
     EXPECT_EQ(lines, (std::vector<std::string>{"-Hidden:00000000  (hidden in file)",
-                                               " Limit:0000012C km/h -> 00000050 km/h",
+                                               " Mod\xE9:Off [00000000] -> Off [00000001]  (hidden in module)",
+                                               " Limit:0000012C km/h -> 0000012C kph  (hidden in module)",
                                                "+Speed:00000000  (hidden in module)"}));
 }
 
 TEST(WriteChecks, FitAndVerifyJudgeByTheModulesCatalog) {
     const DeviceInfo module = LoadedDevice();
     const std::string sent = module.PredefCfgs.Items[1].Data;
-    EXPECT_EQ(CheckFit(module, sent).Verdict, Fit::Fits);
+    EXPECT_EQ(CheckFit(module, module.PredefCfgs.Items[0].Data).Verdict, Fit::Fits);
     EXPECT_EQ(CheckFit(module, sent + '\0').Verdict, Fit::WrongLength);
     EXPECT_EQ(CheckFit(module, HexToBytes("0500000000002C01")).Verdict, Fit::UnknownId);
 

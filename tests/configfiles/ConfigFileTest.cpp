@@ -55,11 +55,11 @@ TEST(ConfigFile, EveryBadFileIsRefusedNamingTheFile) {
     const std::vector<BadFile> cases = {
         {"empty", ConfigFault::NotJson, [](std::string& t, Json&) { t = " "; }},
         {"no JSON", ConfigFault::NotJson, [](std::string& t, Json&) { t = "CFG=1\n"; }},
+        {"JSON and more", ConfigFault::NotJson, [&](std::string& t, Json&) { t = good + "}"; }},
         {"cut short", ConfigFault::CutShort, [&](std::string& t, Json&) { t = good.substr(0, good.size() / 2); }},
         {"another format", ConfigFault::OtherFormat, [](std::string&, Json& j) { j["format"] = "kconfig"; }},
         {"no document", ConfigFault::OtherFormat, [](std::string& t, Json&) { t = "[1, 2]"; }},
         {"version 2", ConfigFault::OtherVersion, [](std::string&, Json& j) { j["version"] = 2; }},
-        {"version as text", ConfigFault::OtherVersion, [](std::string&, Json& j) { j["version"] = "1"; }},
         {"refused catalog", ConfigFault::CatalogRefused, [](std::string&, Json& j) { j["catalog"] = "<CFG/>"; }},
         {"broken catalog", ConfigFault::CatalogRefused, [](std::string&, Json& j) { j["catalog"] = "<CFG>"; }},
         {"long image", ConfigFault::WrongImageLength,
