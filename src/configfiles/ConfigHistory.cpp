@@ -84,7 +84,7 @@ fs::path FreeName(const fs::path& folder, TimePoint when) {
 }  // namespace
 
 std::string HistoryRoot() {
-    // The base directory specification takes only an absolute path.
+    // XDG takes an absolute path only; a relative one counts as unset.
     const char* data = std::getenv("XDG_DATA_HOME");
     if (data != nullptr && data[0] == '/') return (fs::path(data) / "servicebay" / "history").string();
     const char* home = std::getenv("HOME");
