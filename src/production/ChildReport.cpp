@@ -137,6 +137,8 @@ void TakeFlashEnd(ModuleRecord& record, const ChildEnd& end, const std::optional
     record.RecordNumber = result->RecordNumber;
     if (record.Result == ModuleResult::NotConfirmed) record.Detail = "no production record: " + result->RecordEnd;
     else if (record.Result != ModuleResult::Programmed) record.Detail = LastLine(end.ErrorTail);
+    if (record.Detail.empty() && record.Result != ModuleResult::Programmed)
+        record.Detail = result->End + ", XMODEM result " + std::to_string(result->Result);
 }
 
 bool TakeBootEnd(ModuleRecord& record, const ChildEnd& end) {

@@ -116,14 +116,12 @@ TEST(ProductionLine, AttemptsAreCountedPerModule) {
     FakeLine fake;
     fake.scripts["ttyACM0"] = "exit 9";
     ProductionLine line(fake.Settings(), fake.Hooks());
-    for (int i = 0; i < 2; ++i) {
-        line.Start({JobStep::Flash, "ttyACM0", "SB1"});
-        while (line.Running() > 0) line.Children().Wait(-1);
-    }
-    line.Start({JobStep::Flash, "ttyACM0", "SB2"});
-    while (line.Running() > 0) line.Children().Wait(-1);
     std::vector<int> attempts;
-    for (const auto& r : line.Records()) attempts.push_back(r.Attempt);
+    for (const char* serial : {"SB1", "SB1", "SB2"}) {
+        line.Start({JobStep::Flash, "ttyACM0", serial});
+        while (line.Running() > 0) line.Children().Wait(-1);
+        attempts.push_back(line.Records().back().Attempt);
+    }
     EXPECT_EQ(attempts, (std::vector<int>{1, 2, 1}));
 }
 
