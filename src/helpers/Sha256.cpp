@@ -62,7 +62,6 @@ void Sha256::Add(std::string_view bytes) {
         left -= take;
         if (pendingLength_ < pending_.size()) return;
         Compress(pending_.data());
-        pendingLength_ = 0;
     }
     for (; left >= 64; in += 64, left -= 64) Compress(in);
     std::copy_n(in, left, pending_.begin());

@@ -15,7 +15,8 @@ std::string Reason(int error) { return std::strerror(error); }
 }  // namespace
 
 ProductionLog::ProductionLog(const std::string& path) : path_(path) {
-    fd_ = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY, 0644);
+    // Not blocking: a fifo without a reader fails here instead of waiting for one.
+    fd_ = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0644);
     if (fd_ < 0) throw LogError("The log " + path + " cannot be written: " + Reason(errno));
     struct stat status {};
     if (::fstat(fd_, &status) != 0 || !S_ISREG(status.st_mode)) {

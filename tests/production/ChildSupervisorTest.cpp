@@ -40,6 +40,7 @@ TEST(ChildSupervisor, EachChildEndsItsOwnWay) {
     const Case cases[] = {
         {"echo one; printf 'two\\nthree'; echo oops >&2; exit 3", {}, ChildEndKind::Exited, 3, 0},
         {"kill -SEGV $$", {}, ChildEndKind::Signalled, -1, SIGSEGV},
+        {"for i in 1 2 3 4 5 6 7 8; do echo tick; sleep 0.2; done", {.Silence = 1s}, ChildEndKind::Exited, 0, 0},
         // Silent: its sleep keeps the pipes open, and goes with it.
         {"echo started; sleep 30", {.Silence = 300ms}, ChildEndKind::Silent, -1, SIGTERM},
         // Deaf to TERM: KILL follows after the grace.
@@ -79,14 +80,15 @@ TEST(ChildSupervisor, AProgramThatCannotStartIsRefusedAtOnce) {
 }
 
 TEST(ChildSupervisor, ChildrenGetTheStopSignalsAtTheirDefaults) {
-    // A parent that catches Ctrl-C through a signal descriptor blocks it; its
-    // children must not inherit that, or a stop could never reach them.
+    // A parent that takes Ctrl-C through a signal descriptor blocks it; were
+    // its children to inherit that, a stop would reach them only as KILL.
     sigset_t blocked, before;
     sigemptyset(&blocked);
     sigaddset(&blocked, SIGTERM);
     ::sigprocmask(SIG_BLOCK, &blocked, &before);
     Outcomes run;
-    const auto id = run.Shell("kill -TERM $$; sleep 5; echo survived");
+    const auto id = run.children.Start({"sleep", "30"}, {.Grace = 30s});
+    run.children.Stop(id);
     run.WaitAll();
     ::sigprocmask(SIG_SETMASK, &before, nullptr);
     EXPECT_EQ(run.ends[id].Signal, SIGTERM);

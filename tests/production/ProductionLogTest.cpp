@@ -105,7 +105,7 @@ TEST(ProductionLog, AppendsWholeLinesBehindWhatIsThere) {
 
 TEST(ProductionLog, RefusesToOpenWhereNoLineCanBeWritten) {
     TempFolder folder;
-    for (const std::string& path : {folder.File("missing/line.log"), folder.Path().string()})
+    for (const std::string& path : {folder.File("missing/line.log"), folder.Path().string(), std::string("/dev/null")})
         EXPECT_THROW(ProductionLog{path}, LogError) << path;
 }
 

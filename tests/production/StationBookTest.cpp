@@ -42,6 +42,7 @@ TEST(StationBook, ProgramsEachModuleOnceAndAFailedOneWhenPluggedInAgain) {
     Play(book, {
                    // Running: into the boot loader, and downloaded when it shows up there.
                    {{{"ttyACM0", "S1", R}}, {"boot S1"}},
+                   {{{"ttyACM0", "S1", R}}, {}},
                    {{{"ttyACM1", "S1", B}, {"ttyACM2", "S2", B}}, {"flash S1", "flash S2"}},
                    // Programmed, back after RUN: left alone.
                    {{{"ttyACM0", "S1", R}, {"ttyACM2", "S2", B}}, {}},
