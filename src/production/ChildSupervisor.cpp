@@ -275,6 +275,8 @@ void ChildSupervisor::Service(const std::vector<pollfd>& fds) {
 void ChildSupervisor::Wait(int maxMs) {
     std::vector<pollfd> fds;
     AddPollFds(fds);
+    // Without a child nothing could ever wake the poll.
+    if (fds.empty()) return;
     const int due = PollTimeoutMs();
     const int timeout = due < 0 ? maxMs : maxMs < 0 ? due : std::min(due, maxMs);
     if (::poll(fds.data(), fds.size(), timeout) < 0 && errno != EINTR) Throw(errno, "poll");

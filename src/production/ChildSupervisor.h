@@ -80,7 +80,7 @@ public:
     // exited, and acts on the limits that have passed. Descriptors not its own are left alone.
     void Service(const std::vector<pollfd>& fds);
     // One poll over the children's descriptors, at most maxMs (-1: until
-    // something happens), then Service.
+    // something happens), then Service. Returns at once without children.
     void Wait(int maxMs);
 
 private:
