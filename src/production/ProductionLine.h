@@ -31,7 +31,10 @@ struct LineSettings {
     const FirmwareFile* Firmware = nullptr;
     ProductionLog* Log = nullptr;  // none: no log
     std::string ProgramVersion;
-    ChildLimits Limits;
+    // A healthy download is silent for a minute at most: the first block may
+    // wait 30 s for its ACK and 24 resends of 1 s; the handshake takes 16 s,
+    // a production record six exchanges of 5 s.
+    ChildLimits Limits{.Silence = std::chrono::seconds(120)};
     // The program line that carries out a job. A download reads the firmware
     // from Firmware->CopyPath() and prints ProgressLine lines and its result
     // line (ChildReport.h) on standard output.
