@@ -1,0 +1,54 @@
+#pragma once
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "production/ProductionLine.h"
+#include "production/StationBook.h"
+
+// A station waits for modules and programs each one as it arrives. The caller
+// tells it when the ports may have changed (Refresh, on each device event);
+// it reads the listing itself again whenever a job ends. Before each download
+// the firmware file is checked: a file that changed or went away since the
+// start stops the station from starting anything more.
+namespace sb {
+
+struct StationSettings {
+    LineSettings Line;
+    int Count = 0;  // end after that many modules were programmed; 0: no end
+    // The modules plugged in now (ListModules over the inventory).
+    std::function<std::vector<ListedModule>()> List;
+};
+
+class Station {
+public:
+    Station(StationSettings settings, LineHooks hooks);
+
+    void Refresh();
+    // Ctrl-C: nothing new starts; the jobs in progress end by themselves.
+    void Stop() { book_.Stop(); }
+    // A second Ctrl-C: the jobs in progress are stopped too, and logged as interrupted.
+    void Abort();
+    // Nothing runs any more, and nothing more will be started.
+    bool Finished() const { return book_.Finished() && line_.Running() == 0; }
+
+    // Why the station stopped by itself, if it did.
+    const std::optional<std::string>& Refusal() const { return refusal_; }
+    ProductionLine& Line() { return line_; }
+
+private:
+    void JobEnded(const ModuleJob& job, const ModuleRecord* record, bool ok);
+    bool FirmwareStillThere();
+
+    std::function<std::vector<ListedModule>()> list_;
+    const FirmwareFile* firmware_;
+    LineHooks hooks_;
+    StationBook book_;
+    ProductionLine line_;
+    std::optional<std::string> refusal_;
+    bool refreshing_ = false;
+    bool again_ = false;
+};
+
+}  // namespace sb

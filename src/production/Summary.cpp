@@ -1,0 +1,72 @@
+#include "production/Summary.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace sb {
+namespace {
+
+std::string KeyOf(const ModuleRecord& r) { return r.UsbSerial.empty() ? "port " + r.Port : r.UsbSerial; }
+
+std::string Padded(std::string text, size_t width) {
+    if (text.size() < width) text.append(width - text.size(), ' ');
+    return text;
+}
+
+}  // namespace
+
+Summary Summarize(const std::vector<ModuleRecord>& records) {
+    Summary summary;
+    for (const ModuleRecord& record : records) {
+        auto row = std::find_if(summary.Rows.begin(), summary.Rows.end(),
+                                [&](const SummaryRow& r) { return KeyOf(r.Last) == KeyOf(record); });
+        if (row == summary.Rows.end()) row = summary.Rows.insert(summary.Rows.end(), SummaryRow{});
+        row->Last = record;
+        ++row->Attempts;
+    }
+    return summary;
+}
+
+bool Summary::AllSucceeded() const { return Failed().empty(); }
+
+std::vector<const SummaryRow*> Summary::Failed() const {
+    std::vector<const SummaryRow*> failed;
+    for (const SummaryRow& row : Rows)
+        if (!Succeeded(row.Last)) failed.push_back(&row);
+    return failed;
+}
+
+std::string Summary::Table() const {
+    const std::vector<std::string> head = {"Serial", "Port", "Result", "Tries", "Bytes", "Seconds"};
+    std::vector<std::vector<std::string>> cells = {head};
+    for (const SummaryRow& row : Rows) {
+        char seconds[32];
+        std::snprintf(seconds, sizeof seconds, "%.1f", row.Last.Seconds);
+        cells.push_back({row.Last.UsbSerial.empty() ? "-" : row.Last.UsbSerial, row.Last.Port,
+                         ResultName(row.Last.Result), std::to_string(row.Attempts),
+                         std::to_string(row.Last.BytesProgrammed), seconds});
+    }
+    std::vector<size_t> widths(head.size(), 0);
+    for (const auto& line : cells)
+        for (size_t i = 0; i < line.size(); ++i) widths[i] = std::max(widths[i], line[i].size());
+    std::string table;
+    for (const auto& line : cells) {
+        std::string text;
+        for (size_t i = 0; i < line.size(); ++i) text += Padded(line[i], widths[i] + 2);
+        table += text.substr(0, text.find_last_not_of(' ') + 1) + '\n';
+    }
+    const auto failed = Failed();
+    table += std::to_string(Rows.size() - failed.size()) + " of " + std::to_string(Rows.size()) + " modules programmed";
+    if (!failed.empty()) {
+        table += "; failed:";
+        for (const SummaryRow* row : failed) {
+            const ModuleRecord& last = row->Last;
+            table += ' ' + (last.UsbSerial.empty() ? last.Port : last.UsbSerial + " (" + last.Port + ")") + " [" +
+                     ResultName(last.Result) + "]";
+            if (row != failed.back()) table += ',';
+        }
+    }
+    return table + '\n';
+}
+
+}  // namespace sb
