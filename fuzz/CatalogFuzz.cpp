@@ -2,7 +2,6 @@
 // or grow without bound, a loaded catalog keeps its invariants, writing back
 // what was read leaves an image as it was, and an update in place adds no
 // node.
-#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -14,57 +13,38 @@
 
 namespace {
 
-// Images of the data model are at most 16,383 bytes.
-constexpr size_t kMaxImage = 16383;
-// Enough to meet every kind of option without making each run slow.
-constexpr size_t kMaxOptionsWritten = 64;
-constexpr size_t kMaxConfigurations = 8;
-
 void Require(bool condition) {
     if (!condition) std::abort();
 }
 
 void CheckInvariants(const sb::DeviceInfo& device) {
-    const auto& options = device.Options;
-    Require(options.CfgLen >= 5);
-    for (const sb::OptionRec& option : options.Items) {
+    Require(device.Options.CfgLen >= 5 && device.PredefCfgs.Count() >= 1);
+    for (const sb::OptionRec& option : device.Options.Items) {
         const bool isInt = option.Type == "INT";
-        if (isInt) Require(option.MinValue.size() == 8 && option.MaxValue.size() == 8);
-        for (const sb::OptValue& entry : option.Values.Items) {
-            Require(!entry.Value.empty());
-            if (isInt) Require(entry.Value.size() == 8);
-        }
+        Require(!isInt || (option.MinValue.size() == 8 && option.MaxValue.size() == 8));
+        for (const sb::OptValue& entry : option.Values.Items)
+            Require(!entry.Value.empty() && (!isInt || entry.Value.size() == 8));
     }
-    Require(device.PredefCfgs.Count() >= 1);
-    for (const sb::PredefCfg& cfg : device.PredefCfgs.Items) {
-        Require(cfg.Data.size() == static_cast<size_t>(options.CfgLen));
-        Require(cfg.Id.size() == 8);
-        Require(!cfg.DisabledMask.empty() && !cfg.VisibleMask.empty() && !cfg.ExtraMask.empty());
-    }
+    for (const sb::PredefCfg& cfg : device.PredefCfgs.Items)
+        Require(cfg.Data.size() == static_cast<size_t>(device.Options.CfgLen) && cfg.Id.size() == 8 &&
+                !cfg.DisabledMask.empty() && !cfg.VisibleMask.empty() && !cfg.ExtraMask.empty());
 }
 
-// Builds the tree of the image, then writes every option back as it reads
-// and builds again in place.
+// Builds the tree of the image, then writes back the first options as they
+// read and builds again in place.
 void BuildAndRewrite(std::string image, const sb::DeviceInfo& device) {
     sb::MemoryOptionTree tree;
     const bool found = sb::BuildOptionTree(image, device, tree);
-    Require(found == (sb::FindPredefCfgById(device, sb::ImageId(image)) >= 0));
-    if (!found) {
-        Require(tree.Size() == 0);
-        return;
-    }
+    Require(found == (sb::FindPredefCfgById(device, sb::ImageId(image)) >= 0) && (found || tree.Size() == 0));
+    if (!found) return;
     const size_t nodes = tree.Size();
     const std::string original = image;
-    for (size_t i = 0; i < device.Options.Items.size() && i < kMaxOptionsWritten; ++i) {
-        const sb::OptionRec& option = device.Options.Items[i];
-        std::string shown;
-        std::string raw = sb::GetOptionValue(image, option, shown);
-        if (shown == sb::kWrongValue) continue;
-        sb::SetOptionValue(image, option, raw);
+    for (size_t i = 0; i < device.Options.Items.size() && i < 64; ++i) {
+        std::string shown, raw = sb::GetOptionValue(image, device.Options.Items[i], shown);
+        if (shown != sb::kWrongValue) sb::SetOptionValue(image, device.Options.Items[i], raw);
         Require(image == original);
     }
-    Require(sb::BuildOptionTree(image, device, tree));
-    Require(tree.Size() == nodes);
+    Require(sb::BuildOptionTree(image, device, tree) && tree.Size() == nodes);
 }
 
 }  // namespace
@@ -76,12 +56,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (!sb::LoadCatalog(device, reason)) return 0;
     CheckInvariants(device);
     try {
-        for (size_t i = 0; i < device.PredefCfgs.Items.size() && i < kMaxConfigurations; ++i)
+        for (size_t i = 0; i < device.PredefCfgs.Items.size() && i < 8; ++i)
             BuildAndRewrite(device.PredefCfgs.Items[i].Data, device);
-        BuildAndRewrite(device.InfoFile.substr(0, kMaxImage), device);
+        BuildAndRewrite(device.InfoFile.substr(0, 16383), device);  // images hold at most 16,383 bytes
     } catch (const sb::OverflowError&) {
-        // A mask or value text beyond the helpers' limits; the helpers'
-        // failure, met by the caller as any other.
+        // A text beyond the helpers' limits: their failure, met as any other.
     }
     return 0;
 }

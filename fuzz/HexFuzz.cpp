@@ -1,7 +1,7 @@
 // The hex conversions and bit masks on any text: nothing may crash, and the
 // results keep the forms their rules promise. Texts beyond the data model's
 // limits throw OverflowError, which is their defined failure.
-#include <cstddef>
+#include <cctype>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -16,81 +16,44 @@ void Require(bool condition) {
     if (!condition) std::abort();
 }
 
-std::string HexDigitsOf(const std::string& text) {
-    std::string digits;
+void Check(const std::string& text, const std::string& other, int count, bool bigEndian, int bit) {
+    std::string digits, cleaned = text;
     for (const char c : text)
-        if ((c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F')) digits += c;
-    return digits;
-}
-
-std::string Upper(std::string text) {
-    for (char& c : text)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    return text;
-}
-
-void Conversions(const std::string& text, int count, bool bigEndian) {
+        if (std::isxdigit(static_cast<unsigned char>(c))) digits += c;
+    const std::string bytes = sb::HexToBytes(cleaned);
+    const bool even = digits.size() % 2 == 0 && !text.empty();
+    Require(bytes.size() * 2 == (even ? digits.size() : 0) && cleaned == (even ? digits : text));
+    Require(sb::HexToBytes(text) == bytes && (!even || sb::BytesToHex(bytes) == sb::NormalizeHex(digits)));
+    Require(sb::BytesToHexSpaced(bytes).size() == (bytes.empty() ? 0 : bytes.size() * 3 - 1));
     const std::string normal = sb::NormalizeHex(text);
-    Require(normal.empty() || sb::IsHexText(normal));
-    Require(Upper(normal) == normal);
-
-    const std::string digits = HexDigitsOf(text);
-    const std::string bytes = sb::HexToBytes(text);
-    std::string rewritten = text;
-    const std::string sameBytes = sb::HexToBytes(rewritten);
-    Require(bytes == sameBytes);
-    if (digits.size() % 2 == 0 && !text.empty()) {
-        Require(bytes.size() * 2 == digits.size());
-        Require(sb::BytesToHex(bytes) == Upper(digits));
-        Require(rewritten == digits);
-    } else {
-        Require(bytes.empty());
-        Require(rewritten == text);
-    }
-    const std::string spaced = sb::BytesToHexSpaced(bytes);
-    Require(spaced.size() == (bytes.empty() ? 0 : bytes.size() * 3 - 1));
+    Require(normal.empty() || (sb::IsHexText(normal) && normal.find_first_of("abcdef") == std::string::npos));
 
     const double value = sb::HexToUint32(text);
-    Require(value >= 0 && value <= 4294967295.0);
-    const std::string hex = sb::Uint32ToHex(value);
-    Require(hex.size() == 8 && sb::HexToUint32(hex) == value);
+    Require(value >= 0 && value <= 4294967295.0 && sb::HexToUint32(sb::Uint32ToHex(value)) == value);
     Require(sb::BytesToUint32(sb::Uint32ToBytes(value)) == value);
-
     sb::HexToNumber(text, count, bigEndian);
-    const std::string number = sb::NumberToHex(text, count, bigEndian);
-    Require(number.size() == static_cast<size_t>(count > 0 ? 2 * count : 0));
-}
+    Require(sb::NumberToHex(text, count, bigEndian).size() == static_cast<size_t>(count > 0 ? 2 * count : 0));
 
-void Masks(const std::string& a, const std::string& b, int bit) {
-    const std::string aBytes = sb::HexToBytes(a);
-    Require(sb::HexAnd(a, b).size() == aBytes.size() * 2);
-    Require(sb::HexOr(a, b).size() == aBytes.size() * 2);
-    Require(sb::HexNot(sb::HexNot(a)) == sb::BytesToHex(aBytes));
-    const bool set = sb::TestBit(a, bit, 1);
-    sb::TestBit(a, bit, 0);
-    // On a text of whole bytes, bit n of order 1 is bit n mod 8 of the n / 8th
-    // byte from the end.
-    if (bit >= 0 && !aBytes.empty() && a.size() == aBytes.size() * 2 && sb::IsHexText(a)) {
-        const size_t index = static_cast<size_t>(bit) / 8;
-        const bool expected =
-            index < aBytes.size() && ((static_cast<unsigned char>(aBytes[aBytes.size() - 1 - index]) >> (bit % 8)) & 1);
-        Require(set == expected);
-    }
+    Require(sb::HexAnd(text, other).size() == bytes.size() * 2 && sb::HexOr(text, other).size() == bytes.size() * 2);
+    Require(sb::HexNot(sb::HexNot(text)) == sb::BytesToHex(bytes));
+    // On whole bytes, bit n of order 1 is bit n mod 8 of the n / 8th byte from the end.
+    const size_t index = static_cast<size_t>(bit) / 8;
+    const auto byte = [&] { return static_cast<unsigned char>(bytes[bytes.size() - 1 - index]); };
+    if (bit >= 0 && digits.size() == text.size() && even)
+        Require(sb::TestBit(text, bit, 1) == (index < bytes.size() && ((byte() >> (bit % 8)) & 1)));
+    sb::TestBit(text, bit, 0);
 }
 
 }  // namespace
 
+// Two bytes of parameters, then the text; a "|" splits off the second operand of the masks.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < 2) return 0;
-    // Two bytes of parameters, then the text; a "|" splits it for the masks.
-    const int count = data[0] % 10;
-    const bool bigEndian = data[0] & 0x80;
-    const int bit = static_cast<int8_t>(data[1]) * 3;
     const std::string text(reinterpret_cast<const char*>(data + 2), size - 2);
     const size_t bar = text.find('|');
     try {
-        Conversions(text, count, bigEndian);
-        Masks(text.substr(0, bar), bar == std::string::npos ? std::string() : text.substr(bar + 1), bit);
+        Check(text.substr(0, bar), bar == std::string::npos ? "" : text.substr(bar + 1), data[0] % 10, data[0] & 0x80,
+              static_cast<int8_t>(data[1]) * 3);
     } catch (const sb::OverflowError&) {
     }
     return 0;

@@ -11,7 +11,8 @@ namespace sb {
 // refused; the record then holds what was read up to that point, and
 // callers drop it. parserReason receives the parser's reason when the
 // document is not well-formed, and is empty after every other outcome: the
-// caller shows it (when there is one) before its own message.
+// caller shows it (when there is one) before its own message. Throws nothing
+// but std::bad_alloc: what the helpers refuse leaves its field at its default.
 bool LoadCatalog(DeviceInfo& device, std::string& parserReason);
 
 // The index of the first predefined configuration whose Id equals id

@@ -5,7 +5,10 @@
 #include "config/Types.h"
 
 // One option in and out of the bit-packed configuration image, and the
-// option tree that shows an image. Nothing here shows a message.
+// option tree that shows an image. Nothing here shows a message. The only
+// failure thrown is OverflowError (helpers/Overflow.h), where a text passes
+// the helpers' limits: a BIN or BITFIELD field of more than 32,767 bytes,
+// which no image of a loaded catalog holds, or an over-long value to set.
 namespace sb {
 
 // The refusal of the image codec, as the user sees it.
@@ -29,7 +32,6 @@ std::string GetOptionValue(const std::string& image, const OptionRec& option, st
 // HexToBytes reads (and which it may clean in the caller's value). A value
 // with fewer bytes than the field, an option beyond the image or of an
 // unknown type is refused with "Wrong Value" and leaves the image alone.
-// Texts beyond the helpers' limits throw OverflowError.
 std::string SetOptionValue(std::string& image, const OptionRec& option, std::string& value);
 
 // Makes tree show the image: the configuration whose Id the image's first

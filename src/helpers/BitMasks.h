@@ -2,7 +2,9 @@
 #include <string>
 
 // Bit tests and bitwise combinations of hex texts and byte strings. Operands
-// of different length are lined up at their right ends.
+// of different length are lined up at their right ends. The hex forms go
+// through HexToBytes and BytesToHex, so a text beyond their limit throws
+// OverflowError; TestBit and the byte forms throw nothing.
 namespace sb {
 
 // order 1: byte 0 is the last pair of the text; order 0: the first pair.

@@ -216,22 +216,27 @@ void Apply(IniDocument& document, const IniEntry& entry) {
 
 }  // namespace
 
-bool IniWriteValues(const std::vector<IniEntry>& entries, const std::string& path) {
-    bool allTaken = true;
-    for (const IniEntry& entry : entries) allTaken = allTaken && !Refused(entry);
+bool IniWriteValues(const std::vector<IniEntry>& entries, const std::string& path, std::error_code* failure) {
+    const auto fail = [failure](std::error_code why) {
+        if (failure) *failure = why;
+        return false;
+    };
+    for (const IniEntry& entry : entries)
+        if (Refused(entry)) return fail(std::make_error_code(std::errc::invalid_argument));
 
     std::string old;
-    const WholeFileRead read = ReadWholeFile(path, old, kLargestFile);
+    std::error_code unread;
+    const WholeFileRead read = ReadWholeFile(path, old, kLargestFile, &unread);
     // A file that is there but cannot be read must not be overwritten.
-    if (read != WholeFileRead::Missing && read != WholeFileRead::Complete) return false;
+    if (read != WholeFileRead::Missing && read != WholeFileRead::Complete) return fail(unread);
 
     IniDocument document(old);
-    for (const IniEntry& entry : entries)
-        if (!Refused(entry)) Apply(document, entry);
+    for (const IniEntry& entry : entries) Apply(document, entry);
 
+    if (failure) failure->clear();
     // Nothing changed, or only deletions from a missing file: nothing to write.
-    if (document.Text() == old && (read == WholeFileRead::Complete || old.empty())) return allTaken;
-    return ReplaceFileAtomically(path, document.Text()) && allTaken;
+    if (document.Text() == old && (read == WholeFileRead::Complete || old.empty())) return true;
+    return ReplaceFileAtomically(path, document.Text(), failure);
 }
 
 bool IniWriteValue(const std::string& section, const std::string& key, const std::string& value,

@@ -28,7 +28,8 @@ WaitContext& CurrentWaitContext();
 
 void PumpEvents();
 // Runs the event loop until the tick is past start + ms; ends early when the
-// tick wraps below its start.
+// tick wraps below its start. Whatever a handler that runs inside the wait
+// throws passes through to the waiting caller.
 void WaitMs(double ms);
 // The same, but it also ends as soon as serial input arrives. Polling loops
 // that count passes use it so that they react to a byte at once.

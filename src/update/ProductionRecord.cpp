@@ -17,17 +17,19 @@
 namespace sb {
 namespace {
 
-// QTY as a number: no number, an empty text or one beyond a 32-bit count
-// read as 0. The count is whole; a fraction rounds as a classic integer
-// assignment does, half to even.
-int32_t NextRecordNumber(const std::string& iniPath) {
-    double count = 0;
+// QTY + 1; no number and an empty text read as 0. The count is whole; a
+// fraction rounds as a classic integer assignment does, half to even. None
+// when the number leaves the 32-bit count: starting again would overwrite
+// the first records.
+std::optional<int32_t> NextRecordNumber(const std::string& iniPath) {
+    double next = 0;
     try {
-        count = ReadNumber(IniReadValue(kStatSection, kStatQuantityKey, "0", iniPath));
+        next = std::nearbyint(ReadNumber(IniReadValue(kStatSection, kStatQuantityKey, "0", iniPath)) + 1);
     } catch (const OverflowError&) {
+        return std::nullopt;
     }
-    const double next = std::nearbyint(count + 1);
-    if (!(next >= std::numeric_limits<int32_t>::min() && next <= std::numeric_limits<int32_t>::max())) return 1;
+    if (!(next >= std::numeric_limits<int32_t>::min() && next <= std::numeric_limits<int32_t>::max()))
+        return std::nullopt;
     return static_cast<int32_t>(next);
 }
 
@@ -54,9 +56,30 @@ std::string Command(std::string_view word) { return std::string(word); }
 
 }  // namespace
 
+std::string RecordValue(const std::string& answer) {
+    std::string value;
+    value.reserve(answer.size());
+    for (const char c : answer) {
+        if (c == '\\')
+            value += "\\\\";
+        else if (c == '\r')
+            value += "\\r";
+        else if (c == '\n')
+            value += "\\n";
+        else
+            value += c;
+    }
+    return value;
+}
+
 ProductionRecord WriteProductionRecord(SerialPort& port, StatusText& status, const std::string& iniPath) {
     ProductionRecord record;
-    record.Number = NextRecordNumber(iniPath);
+    const std::optional<int32_t> number = NextRecordNumber(iniPath);
+    if (!number) {
+        record.End = RecordEnd::NoNumberLeft;
+        return record;
+    }
+    record.Number = *number;
     record.Section = kRecordSectionPrefix + Uint32ToHex(record.Number);
 
     Exchanges module(port, status, record);
@@ -84,13 +107,13 @@ ProductionRecord WriteProductionRecord(SerialPort& port, StatusText& status, con
     const bool written = IniWriteValues(
         {
             {kStatSection, kStatQuantityKey, SignText(record.Number)},
-            {record.Section, "SN", record.SN},
-            {record.Section, "Ver", record.Ver},
-            {record.Section, "Name", record.Name},
-            {record.Section, "Date", record.Date},
-            {record.Section, "UID", record.UID},
+            {record.Section, "SN", RecordValue(record.SN)},
+            {record.Section, "Ver", RecordValue(record.Ver)},
+            {record.Section, "Name", RecordValue(record.Name)},
+            {record.Section, "Date", RecordValue(record.Date)},
+            {record.Section, "UID", RecordValue(record.UID)},
         },
-        iniPath);
+        iniPath, &record.WriteFailure);
     record.End = written ? RecordEnd::Written : RecordEnd::WriteFailed;
     return record;
 }

@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <system_error>
 
 #include "link/SerialPort.h"
 #include "link/StatusText.h"
@@ -15,7 +16,9 @@
 //
 // The count and the record's section are written in one replacement of the
 // file, so after a crash or a pulled cable the file holds the old set of
-// records or the new one, never a count without its record.
+// records or the new one, never a count without its record. An answer is
+// stored as RecordValue gives it, so that a line break in it stays within
+// its key. Nothing here throws but std::bad_alloc.
 namespace sb {
 
 inline constexpr const char* kStatSection = "STAT";
@@ -29,7 +32,8 @@ enum class RecordEnd {
     UidNotSixteen,  // GETUID gave no 16 characters; CLROTP was not sent
     NotCleared,     // the answer to CLROTP holds no "OK"
     SerialError,    // GETSN answered "Error!"; CLROTP had gone out
-    WriteFailed,    // sniffer.ini could not be written, or an answer held a line break
+    WriteFailed,    // sniffer.ini could not be written; WriteFailure says why
+    NoNumberLeft,   // QTY is at the end of the 32-bit count (or beyond it); nothing was sent
 };
 
 struct ProductionRecord {
@@ -38,9 +42,16 @@ struct ProductionRecord {
     // The trimmed answers; empty where the exchange's port operation failed.
     std::string SN, Ver, Name, Date, UID, Cleared;
     RecordEnd End = RecordEnd::UidNotSixteen;
+    // Why sniffer.ini was not written (End is WriteFailed), as the platform
+    // says it: permission denied for a write-protected file.
+    std::error_code WriteFailure;
     // The first exchange that failed on the port; the others went on.
     std::optional<PortError> PortFailure;
 };
+
+// An answer as the record stores it: a backslash doubled, a carriage return
+// written as \r and a line feed as \n, so that every value is one line.
+std::string RecordValue(const std::string& answer);
 
 // The record on the open port of a successful run. Shows no message: a
 // record that stops leaves only the last status text of its exchanges.

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "TempFolder.h"
@@ -11,6 +14,7 @@
 namespace sb {
 namespace {
 
+namespace fs = std::filesystem;
 using test::TempFolder;
 
 std::string WithLineBreaks(std::string text, const std::string& lineBreak) {
@@ -20,225 +24,129 @@ std::string WithLineBreaks(std::string text, const std::string& lineBreak) {
 }
 
 TEST(IniFile, ReadsValuesAsTheProfileCallsDo) {
-    const std::string content =
-        "; counter of programmed modules\n"
-        "[STAT]\n"
-        "QTY= 5 \n"
-        "  Quoted = \"  spaced  \"\n"
-        "Single='x'\n"
-        "Empty=\n"
-        "Blank=   \n"
-        "QuotesOnly=\"\"\n"
-        "Sentinel=NothingFound\n"
-        "Half=\"x\n"
-        "Twice=\"\"a\"\"\n"
-        "Equals=a=b\n"
-        "QTY=6\n"
-        "\n"
-        "[ frmload ]\n"
-        "Path=/home/tech/fw\n"
-        "[STAT]\n"
-        "Later=1\n";
-    struct Case {
-        const char* section;
-        const char* key;
-        const char* expected;
-    };
-    const std::vector<Case> cases = {
-        {"STAT", "QTY", "5"},
-        {"stat", "qty", "5"},
-        {"STAT", "quoted", "  spaced  "},
-        {"STAT", "Single", "x"},
-        {"STAT", "Empty", ""},  // present and empty: not the default
-        {"STAT", "Blank", ""},
-        {"STAT", "QuotesOnly", ""},
-        {"STAT", "Sentinel", "default"},  // the sentinel reads as missing
-        {"STAT", "Half", "\"x"},
-        {"STAT", "Twice", "\"a\""},
-        {"STAT", "Equals", "a=b"},
-        {"STAT", "Missing", "default"},
-        {"STAT", "", "default"},
-        {"NOSUCH", "QTY", "default"},
-        {"FRMLOAD", "PATH", "/home/tech/fw"},
+    const std::string content = "[STAT]\nQTY= 5 \n  Quoted = \"  spaced  \"\nSingle='x'\nEmpty=\nBlank=   \nNone=\"\"\n"
+                                "Sentinel=NothingFound\nHalf=\"x\nTwice=\"\"a\"\"\nEquals=a=b\nQTY=6\n\n[ frmload ]\n"
+                                "Path=/home/tech/fw\nLong=" + std::string(70000, 'x') + "\n[STAT]\nLater=1\n";
+    const std::vector<std::vector<std::string>> cases = {
+        {"stat", "qty", "5"}, {"STAT", "quoted", "  spaced  "}, {"STAT", "Single", "x"}, {"STAT", "Empty", ""},
+        {"STAT", "Blank", ""}, {"STAT", "None", ""}, {"STAT", "Sentinel", "default"}, {"STAT", "Half", "\"x"},
+        {"STAT", "Twice", "\"a\""}, {"STAT", "Equals", "a=b"}, {"STAT", "", "default"}, {"NOSUCH", "QTY", "default"},
+        {"FRMLOAD", "PATH", "/home/tech/fw"}, {"FRMLOAD", "Long", std::string(65535, 'x')},
         {"STAT", "Later", "default"},  // only the first section of a name counts
-        {"STAT", "; counter of programmed modules", "default"},
     };
     TempFolder folder;
     const auto path = folder.File("sniffer.ini");
     for (const std::string lineBreak : {"\n", "\r\n"}) {
         TempFolder::Write(path, WithLineBreaks(content, lineBreak));
-        for (const auto& c : cases)
-            EXPECT_EQ(IniReadValue(c.section, c.key, "default", path), c.expected)
-                << c.section << '/' << c.key << (lineBreak == "\n" ? " LF" : " CR LF");
+        for (const auto& c : cases) EXPECT_EQ(IniReadValue(c[0], c[1], "default", path), c[2]) << c[0] << '/' << c[1];
     }
-}
-
-TEST(IniFile, WithoutAReadableFileEveryKeyHasItsDefault) {
-    TempFolder folder;
-    EXPECT_EQ(IniReadValue("STAT", "QTY", "0", folder.File("missing.ini")), "0");
-    EXPECT_EQ(IniReadValue("STAT", "QTY", "0", folder.Path().string()), "0");
-    EXPECT_EQ(IniReadValue("STAT", "QTY", "0", folder.File("missing/sniffer.ini")), "0");
-}
-
-TEST(IniFile, ALongValueIsCutToTheReadBuffer) {
-    TempFolder folder;
-    const auto path = folder.File("sniffer.ini");
-    TempFolder::Write(path, "[A]\r\nK=" + std::string(70000, 'x') + "\r\n");
-    EXPECT_EQ(IniReadValue("A", "K", "", path), std::string(65535, 'x'));
-}
-
-TEST(IniFile, TheFirstWriteCreatesTheFileWithCrLfLines) {
-    TempFolder folder;
-    const auto path = folder.File("sniffer.ini");
-    ASSERT_TRUE(IniWriteValue("STAT", "QTY", " 5", path));
-    EXPECT_EQ(TempFolder::Read(path), "[STAT]\r\nQTY= 5\r\n");
-    EXPECT_EQ(IniReadValue("STAT", "QTY", "0", path), "5");
-}
-
-TEST(IniFile, DeletingFromAMissingFileCreatesNothing) {
-    TempFolder folder;
-    const auto path = folder.File("sniffer.ini");
-    EXPECT_TRUE(IniWriteValue("STAT", "QTY", "", path));
-    EXPECT_TRUE(IniWriteValue("STAT", "", "", path));
-    EXPECT_FALSE(std::filesystem::exists(path));
+    for (const std::string& missing : {folder.File("none.ini"), folder.Path().string(), folder.File("none/x.ini")})
+        EXPECT_EQ(IniReadValue("STAT", "QTY", "0", missing), "0") << missing;
 }
 
 TEST(IniFile, WritesChangeOnlyTheirOwnLines) {
-    const std::string start =
-        "; kept as it is\n"
-        "[FRMLOAD]\n"
-        "Path = /old\n"
-        "\n"
-        "[STAT]\n"
-        "QTY= 2\n"
-        "\n"
-        "[STAT_00000001]\n"
-        "SN=A1\n"
-        "UID=FF\n";
-    struct Step {
-        const char* section;
-        const char* key;
-        const char* value;
-        std::string expected;
-    };
-    // Each step works on the file the step before left.
-    const std::vector<Step> steps = {
-        {"frmload", "PATH", "/new", "; kept as it is\n[FRMLOAD]\nPath=/new\n\n[STAT]\nQTY= 2\n\n"
-                                    "[STAT_00000001]\nSN=A1\nUID=FF\n"},
-        {"STAT", "Last", "3", "; kept as it is\n[FRMLOAD]\nPath=/new\n\n[STAT]\nQTY= 2\nLast=3\n\n"
-                              "[STAT_00000001]\nSN=A1\nUID=FF\n"},
-        {"STAT_00000002", "SN", "B2", "; kept as it is\n[FRMLOAD]\nPath=/new\n\n[STAT]\nQTY= 2\nLast=3\n\n"
-                                      "[STAT_00000001]\nSN=A1\nUID=FF\n[STAT_00000002]\nSN=B2\n"},
-        {"stat_00000001", "sn", "", "; kept as it is\n[FRMLOAD]\nPath=/new\n\n[STAT]\nQTY= 2\nLast=3\n\n"
-                                    "[STAT_00000001]\nUID=FF\n[STAT_00000002]\nSN=B2\n"},
-        {"STAT", "", "", "; kept as it is\n[FRMLOAD]\nPath=/new\n\n"
-                         "[STAT_00000001]\nUID=FF\n[STAT_00000002]\nSN=B2\n"},
-        {"STAT", "QTY", "", "; kept as it is\n[FRMLOAD]\nPath=/new\n\n"
-                            "[STAT_00000001]\nUID=FF\n[STAT_00000002]\nSN=B2\n"},
+    // Each step works on what the one before left: a byte order mark, a
+    // duplicate key, a second section of a name, a last line without break.
+    const std::string start = "\xEF\xBB\xBF[A]\nK = 1\nK=2\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1";
+    const std::vector<std::vector<std::string>> steps = {
+        {"C", "N", "3", "[A]\nK = 1\nK=2\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1\nN=3\n"},
+        {"a", "k", "5", "[A]\nK=5\nK=2\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1\nN=3\n"},
+        {"A", "L", "6", "[A]\nK=5\nK=2\nL=6\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1\nN=3\n"},
+        {"A", "K", "", "[A]\nL=6\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1\nN=3\n"},
+        {"A", "", "", "[B]\nX=1\n[C]\nZ=1\nN=3\n"},
+        {"D", "M", "7", "[B]\nX=1\n[C]\nZ=1\nN=3\n[D]\nM=7\n"},
     };
     TempFolder folder;
-    const auto path = folder.File("sniffer.ini");
+    const auto path = folder.File("sniffer.ini"), other = folder.File("new.ini");
     for (const std::string lineBreak : {"\n", "\r\n"}) {
         TempFolder::Write(path, WithLineBreaks(start, lineBreak));
         for (const auto& step : steps) {
-            EXPECT_TRUE(IniWriteValue(step.section, step.key, step.value, path));
-            EXPECT_EQ(TempFolder::Read(path), WithLineBreaks(step.expected, lineBreak))
-                << step.section << '/' << step.key << '=' << step.value;
+            EXPECT_TRUE(IniWriteValue(step[0], step[1], step[2], path));
+            EXPECT_EQ(TempFolder::Read(path), "\xEF\xBB\xBF" + WithLineBreaks(step[3], lineBreak)) << step[1];
         }
     }
+    // A deletion from a missing file makes none; a new file has CR LF lines.
+    EXPECT_TRUE(IniWriteValue("STAT", "QTY", "", other) && IniWriteValue("STAT", "", "", other));
+    EXPECT_FALSE(fs::exists(other));
+    ASSERT_TRUE(IniWriteValue("STAT", "QTY", " 5", other));
+    EXPECT_EQ(TempFolder::Read(other), "[STAT]\r\nQTY= 5\r\n");
 }
 
-TEST(IniFile, DeletedKeysAndSectionsReadAsDefaults) {
-    TempFolder folder;
-    const auto path = folder.File("sniffer.ini");
-    TempFolder::Write(path, "[STAT]\nQTY=1\n[Other]\nA=1\n[stat]\nQTY=2\nB=2\n");
-    ASSERT_TRUE(IniWriteValue("STAT", "QTY", "", path));
-    EXPECT_EQ(IniReadValue("STAT", "QTY", "gone", path), "gone");
-    ASSERT_TRUE(IniWriteValue("Stat", "", "", path));
-    EXPECT_EQ(IniReadValue("STAT", "B", "gone", path), "gone");
-    EXPECT_EQ(TempFolder::Read(path), "[Other]\nA=1\n");
-}
-
-TEST(IniFile, AKeyAppendedBehindALastLineWithoutLineBreak) {
-    TempFolder folder;
-    const auto path = folder.File("sniffer.ini");
-    TempFolder::Write(path, "[A]\nK=1");
-    ASSERT_TRUE(IniWriteValue("A", "L", "2", path));
-    ASSERT_TRUE(IniWriteValue("B", "M", "3", path));
-    EXPECT_EQ(TempFolder::Read(path), "[A]\nK=1\nL=2\n[B]\nM=3\n");
-}
-
-TEST(IniFile, AByteOrderMarkStaysAndDoesNotHideTheFirstSection) {
-    TempFolder folder;
-    const auto path = folder.File("sniffer.ini");
-    TempFolder::Write(path, "\xEF\xBB\xBF[STAT]\r\nQTY=1\r\n");
-    EXPECT_EQ(IniReadValue("STAT", "QTY", "0", path), "1");
-    ASSERT_TRUE(IniWriteValue("STAT", "QTY", "2", path));
-    EXPECT_EQ(TempFolder::Read(path), "\xEF\xBB\xBF[STAT]\r\nQTY=2\r\n");
-}
-
-TEST(IniFile, ReplacementLeavesNoTemporaryFileAndKeepsTheRights) {
+TEST(IniFile, AReplacementKeepsTheRightsAndClearsAwayWhatDeadWritersLeft) {
     TempFolder folder;
     const auto path = folder.File("sniffer.ini");
     TempFolder::Write(path, "[STAT]\r\nQTY=1\r\n");
-    std::filesystem::permissions(path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write |
-                                           std::filesystem::perms::group_read);
-    for (int i = 0; i < 20; ++i) ASSERT_TRUE(IniWriteValue("STAT", "QTY", std::to_string(i), path));
-
+    const auto rights = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
+    fs::permissions(path, rights);
+    const pid_t writer = ::fork();  // a writer that is gone
+    if (writer == 0) ::_exit(0);
+    ::waitpid(writer, nullptr, 0);
+    const std::string dead = std::to_string(writer), live = std::to_string(::getpid());
+    std::vector<std::string> kept = {".other.ini.tmp-" + dead + "-0", ".sniffer.ini.tmp-" + live + "-7",
+                                     ".sniffer.ini.tmp-x-0", "sniffer.ini"};
+    for (const auto& name : {kept[0], kept[1], kept[2], ".sniffer.ini.tmp-" + dead + "-0"})
+        TempFolder::Write(folder.File(name), "");
+    ASSERT_TRUE(IniWriteValue("STAT", "QTY", "2", path));
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.Path()))
-        names.push_back(entry.path().filename().string());
-    EXPECT_EQ(names, std::vector<std::string>{"sniffer.ini"});
-    EXPECT_EQ(std::filesystem::status(path).permissions(),
-              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write |
-                  std::filesystem::perms::group_read);
-    EXPECT_EQ(IniReadValue("STAT", "QTY", "", path), "19");
+    for (const auto& entry : fs::directory_iterator(folder.Path())) names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, kept);
+    EXPECT_EQ(fs::status(path).permissions(), rights);
 }
 
-TEST(IniFile, AWriteThroughALinkChangesTheLinkedFile) {
+TEST(IniFile, AWriteReachesTheFileThatALinkOrASecondNameNames) {
     TempFolder folder;
-    const auto target = folder.File("real.ini");
-    const auto link = folder.File("sniffer.ini");
-    TempFolder::Write(target, "[STAT]\nQTY=1\n");
-    std::filesystem::create_symlink(target, link);
-    ASSERT_TRUE(IniWriteValue("STAT", "QTY", "2", link));
-    EXPECT_TRUE(std::filesystem::is_symlink(link));
-    EXPECT_EQ(TempFolder::Read(target), "[STAT]\nQTY=2\n");
+    fs::create_directory(folder.Path() / "real");
+    const auto link = folder.File("sniffer.ini"), target = folder.File("real/sniffer.ini");
+    for (const bool targetExists : {true, false}) {
+        fs::remove(target);
+        fs::remove(link);
+        if (targetExists) TempFolder::Write(target, "[STAT]\nQTY=1\n");
+        fs::create_symlink("real/sniffer.ini", link);
+        ASSERT_TRUE(IniWriteValue("STAT", "QTY", "2", link)) << targetExists;
+        EXPECT_TRUE(fs::is_symlink(link));
+        EXPECT_EQ(IniReadValue("STAT", "QTY", "", target), "2") << targetExists;
+    }
+    // A folder that may not be written (which binds all but the superuser),
+    // then another name of the file: the file stays where it is.
+    fs::permissions(folder.Path() / "real", fs::perms::owner_read | fs::perms::owner_exec);
+    EXPECT_TRUE(IniWriteValue("STAT", "QTY", "3", link));
+    fs::create_hard_link(target, folder.File("second.ini"));
+    EXPECT_TRUE(IniWriteValue("STAT", "QTY", "4", link));
+    fs::permissions(folder.Path() / "real", fs::perms::owner_all);
+    EXPECT_EQ(IniReadValue("STAT", "QTY", "", folder.File("second.ini")), "4");
+    EXPECT_EQ(fs::hard_link_count(target), 2u);
 }
 
-TEST(IniFile, FailedOrRefusedWritesLeaveTheFileAlone) {
+TEST(IniFile, AWriteThatCannotBeWholeWritesNothingAndSaysWhy) {
     TempFolder folder;
-    const auto path = folder.File("sniffer.ini");
+    const auto path = folder.File("sniffer.ini"), locked = folder.File("locked.ini");
     const std::string content = "[STAT]\r\nQTY=1\r\n";
     TempFolder::Write(path, content);
-    struct Case {
-        const char* what;
-        std::string section, key, value, path;
-    };
-    const std::vector<Case> cases = {
-        {"value with a line break", "STAT", "QTY", "2\r\nX=1", path},
-        {"key with a line break", "STAT", "Q\nTY", "2", path},
-        {"key with an equals sign", "STAT", "Q=TY", "2", path},
-        {"section with a bracket", "ST]AT", "QTY", "2", path},
-        {"no section", "", "QTY", "2", path},
-        {"a folder that is missing", "STAT", "QTY", "2", folder.File("missing/sniffer.ini")},
-        {"a folder in the file's place", "STAT", "QTY", "2", folder.Path().string()},
+    TempFolder::Write(locked, content);
+    fs::permissions(locked, fs::perms::owner_read | fs::perms::group_read);  // binds the superuser too
+    const IniEntry good = {"STAT", "QTY", "2"};
+    const struct {
+        std::vector<IniEntry> entries;
+        std::string path;
+        std::errc why;
+    } cases[] = {
+        {{good, {"STAT", "SN", "a\r\nb"}}, path, std::errc::invalid_argument},
+        {{{"STAT", "Q\nTY", "2"}}, path, std::errc::invalid_argument},
+        {{{"STAT", "Q=TY", "2"}}, path, std::errc::invalid_argument},
+        {{{"ST]AT", "QTY", "2"}}, path, std::errc::invalid_argument},
+        {{{" ", "QTY", "2"}}, path, std::errc::invalid_argument},
+        {{good}, locked, std::errc::permission_denied},
+        {{good}, folder.File("missing/sniffer.ini"), std::errc::no_such_file_or_directory},
+        {{good}, folder.Path().string(), std::errc::is_a_directory},
+        {{good}, path + "/x.ini", std::errc::not_a_directory},
     };
     for (const auto& c : cases) {
-        EXPECT_FALSE(IniWriteValue(c.section, c.key, c.value, c.path)) << c.what;
-        EXPECT_EQ(TempFolder::Read(path), content) << c.what;
+        std::error_code why;
+        EXPECT_FALSE(IniWriteValues(c.entries, c.path, &why)) << c.path;
+        EXPECT_EQ(why, std::make_error_code(c.why)) << c.path << ": " << why.message();
+        EXPECT_EQ(TempFolder::Read(path) + TempFolder::Read(locked), content + content) << c.path;
     }
-}
-
-TEST(IniFile, AnUnwritableFolderFailsTheWriteAndKeepsTheOldFile) {
-    if (::geteuid() == 0) GTEST_SKIP() << "rights do not bind the superuser";
-    TempFolder folder;
-    const auto path = folder.File("sniffer.ini");
-    TempFolder::Write(path, "[STAT]\r\nQTY=1\r\n");
-    std::filesystem::permissions(folder.Path(),
-                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
-    EXPECT_FALSE(IniWriteValue("STAT", "QTY", "2", path));
-    EXPECT_EQ(IniReadValue("STAT", "QTY", "", path), "1");
 }
 
 }  // namespace

@@ -5,39 +5,30 @@
 
 namespace sb::test {
 
-VirtualClock::VirtualClock(int32_t startTick) : now_(startTick) { SetWaitContext(this); }
-VirtualClock::~VirtualClock() { SetWaitContext(nullptr); }
-
-void VirtualClock::At(int64_t at, std::function<void()> action) { actions_.emplace(at, std::move(action)); }
-
-void VirtualClock::RunDue() {
-    while (!actions_.empty() && actions_.begin()->first <= now_) {
+bool VirtualClock::RunDue() {
+    bool ran = false;
+    for (; !actions_.empty() && actions_.begin()->first <= now_; ran = true) {
         auto action = std::move(actions_.begin()->second);
         actions_.erase(actions_.begin());
         action();
     }
+    return ran;
 }
 
-void VirtualClock::PumpEvents() {
-    ++pumps_;
-    RunDue();
+bool VirtualClock::TakeInput(bool stopOnInput) {
+    const bool taken = stopOnInput && inputPending_;
+    if (taken) inputPending_ = false;
+    return taken;
 }
 
 bool VirtualClock::Sleep(double ms, bool stopOnInput) {
-    if (stopOnInput && inputPending_) {
-        inputPending_ = false;
-        return true;
-    }
+    if (TakeInput(stopOnInput)) return true;
     const int64_t end = now_ + std::max<int64_t>(1, static_cast<int64_t>(std::ceil(ms)));
-    // Step to each due action, so that input it brings ends an input wait there.
+    // Steps to the next due action; like an event, an action that ran ends
+    // the sleep there.
     while (now_ < end) {
-        const int64_t next = actions_.empty() ? end : std::min(end, std::max(now_ + 1, actions_.begin()->first));
-        now_ = next;
-        PumpEvents();
-        if (stopOnInput && inputPending_) {
-            inputPending_ = false;
-            return true;
-        }
+        now_ = actions_.empty() ? end : std::min(end, std::max(now_ + 1, actions_.begin()->first));
+        if (RunDue()) return TakeInput(stopOnInput);
     }
     return false;
 }

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <optional>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <vector>
 
 #include "../helpers/TempFolder.h"
 #include "../link/ScriptedModule.h"
@@ -16,8 +19,11 @@ namespace {
 using test::TempFolder;
 
 struct RecordRig {
-    RecordRig() { port.SetPortOpen(true); }
-
+    RecordRig(const std::string& before, const std::string& command = "", const std::string& answer = "") {
+        port.SetPortOpen(true);
+        if (!before.empty()) TempFolder::Write(Ini(), before);
+        if (!command.empty()) module.answers[command] = answer;
+    }
     ProductionRecord Write() { return WriteProductionRecord(port, status, Ini()); }
     std::string Ini() const { return folder.File("sniffer.ini"); }
     std::string Read(const std::string& section, const std::string& key) const {
@@ -32,95 +38,75 @@ struct RecordRig {
 };
 
 TEST(ProductionRecord, TheFirstRecordMakesTheFile) {
-    RecordRig rig;
-    const ProductionRecord record = rig.Write();
-    EXPECT_EQ(record.End, RecordEnd::Written);
-    const std::vector<std::string> commands = {"GETSN",    "GETVER", "GETNAME",
-                                               "GETPDATE", "GETUID", "CLROTP 3A0F5C21D4E8B907"};
-    EXPECT_EQ(rig.module.commands, commands);
+    RecordRig rig("");
+    EXPECT_EQ(rig.Write().End, RecordEnd::Written);
+    EXPECT_EQ(rig.module.commands, (std::vector<std::string>{"GETSN", "GETVER", "GETNAME", "GETPDATE", "GETUID",
+                                                              "CLROTP 3A0F5C21D4E8B907"}));
     // The count with its leading blank, the answers trimmed.
-    EXPECT_EQ(TempFolder::Read(rig.Ini()),
-              "[STAT]\r\nQTY= 1\r\n"
-              "[STAT_00000001]\r\nSN=00004711\r\nVer=1.04.02\r\nName=Sniffer\r\nDate=17.01.2024\r\n"
-              "UID=3A0F5C21D4E8B907\r\n");
+    EXPECT_EQ(TempFolder::Read(rig.Ini()), "[STAT]\r\nQTY= 1\r\n[STAT_00000001]\r\nSN=00004711\r\nVer=1.04.02\r\n"
+                                           "Name=Sniffer\r\nDate=17.01.2024\r\nUID=3A0F5C21D4E8B907\r\n");
 }
 
-TEST(ProductionRecord, NumbersTheRecordBehindTheCount) {
-    const struct {
-        const char* name;
-        std::string before;
-        std::string count;
-        std::string section;
-    } cases[] = {
-        {"a file without the count", "[FRMLOAD]\r\nDIR=/tmp\r\n", " 1", "STAT_00000001"},
-        {"a count of 9", "[STAT]\r\nQTY= 9\r\n", " 10", "STAT_0000000A"},
-        {"a count that is no number", "[STAT]\r\nQTY=abc\r\n", " 1", "STAT_00000001"},
-        {"an empty count", "[STAT]\r\nQTY=\r\n", " 1", "STAT_00000001"},
-        {"a count lowered by hand", "[STAT]\r\nQTY=0\r\n[STAT_00000001]\r\nSN=old\r\nVer=old\r\n", " 1",
-         "STAT_00000001"},
+TEST(ProductionRecord, NumbersTheRecordBehindTheCountAndKeepsEachAnswerOnOneLine) {
+    const std::vector<std::vector<std::string>> cases = {  // before, command, answer; section, QTY, Name
+        {"[FRMLOAD]\r\nDIR=/tmp\r\n", "", "", "STAT_00000001", " 1", "Sniffer"},
+        {"[STAT]\r\nQTY= 9\r\n", "", "", "STAT_0000000A", " 10", "Sniffer"},
+        {"[STAT]\r\nQTY=abc\r\n", "", "", "STAT_00000001", " 1", "Sniffer"},
+        {"[STAT]\r\nQTY=\r\n", "", "", "STAT_00000001", " 1", "Sniffer"},
+        {"[STAT]\r\nQTY=0\r\n[STAT_00000001]\r\nName=old\r\n", "", "", "STAT_00000001", " 1", "Sniffer"},  // by hand
+        {"[STAT]\r\nQTY=2147483646\r\n", "", "", "STAT_7FFFFFFF", " 2147483647", "Sniffer"},
+        {"", "CLROTP", "NOK", "STAT_00000001", " 1", "Sniffer"},  // NOK holds OK
+        {"", "GETNAME", "Sniffer\r\nC:\\V2\n", "STAT_00000001", " 1", "Sniffer\\r\\nC:\\\\V2"},
     };
     for (const auto& c : cases) {
-        RecordRig rig;
-        TempFolder::Write(rig.Ini(), c.before);
+        RecordRig rig(c[0], c[1], c[2]);
         const ProductionRecord record = rig.Write();
-        EXPECT_EQ(record.End, RecordEnd::Written) << c.name;
-        EXPECT_EQ(record.Section, c.section) << c.name;
-        EXPECT_EQ(rig.Read("STAT", "QTY"), c.count.substr(1)) << c.name;
-        EXPECT_NE(TempFolder::Read(rig.Ini()).find("QTY=" + c.count + "\r\n"), std::string::npos) << c.name;
-        EXPECT_EQ(rig.Read(c.section, "SN"), "00004711") << c.name;
-        EXPECT_EQ(rig.Read(c.section, "Ver"), "1.04.02") << c.name;
+        EXPECT_EQ(record.End, RecordEnd::Written) << c[0];
+        EXPECT_EQ(record.Section, c[3]) << c[0];
+        EXPECT_NE(TempFolder::Read(rig.Ini()).find("QTY=" + c[4] + "\r\n"), std::string::npos) << c[0];
+        EXPECT_EQ(rig.Read(c[3], "Name") + " " + rig.Read(c[3], "UID"), c[5] + " 3A0F5C21D4E8B907") << c[0];
+        EXPECT_EQ(rig.Read("FRMLOAD", "DIR"), c[0].starts_with("[FRMLOAD]") ? "/tmp" : "(missing)");
     }
-    // The chooser's section beside the records stays.
-    RecordRig rig;
-    TempFolder::Write(rig.Ini(), "[FRMLOAD]\r\nDIR=/tmp\r\n");
-    rig.Write();
-    EXPECT_EQ(rig.Read("FRMLOAD", "DIR"), "/tmp");
 }
 
-TEST(ProductionRecord, WritesNothingUnlessTheModuleConfirmsTheClearing) {
-    const std::string before = "[STAT]\r\nQTY= 3\r\n";
+TEST(ProductionRecord, WritesNothingUnlessTheRecordIsConfirmedNewAndWritable) {
+    const std::string three = "[STAT]\r\nQTY= 3\r\n";
     const struct {
-        const char* name;
-        std::string command, answer;
+        std::string before, command, answer;
         RecordEnd end;
-        bool clearing;  // CLROTP went out
+        size_t sent;  // commands
+        bool locked = false;
     } cases[] = {
-        {"a UID of 15 characters", "GETUID", "3A0F5C21D4E8B90", RecordEnd::UidNotSixteen, false},
-        {"a UID of 17 characters", "GETUID", "3A0F5C21D4E8B9071", RecordEnd::UidNotSixteen, false},
-        {"a refused clearing", "CLROTP", "Error!", RecordEnd::NotCleared, true},
-        {"ok in small letters", "CLROTP", "ok", RecordEnd::NotCleared, true},
-        {"NOK holds OK", "CLROTP", "NOK", RecordEnd::Written, true},
-        {"a serial number Error!", "GETSN", "Error!", RecordEnd::SerialError, true},
+        {three, "GETUID", "3A0F5C21D4E8B90", RecordEnd::UidNotSixteen, 5},
+        {three, "GETUID", "3A0F5C21D4E8B9071", RecordEnd::UidNotSixteen, 5},
+        {three, "CLROTP", "Error!", RecordEnd::NotCleared, 6},
+        {three, "CLROTP", "ok", RecordEnd::NotCleared, 6},
+        {three, "GETSN", "Error!", RecordEnd::SerialError, 6},
+        {"[STAT]\r\nQTY=2147483647\r\n[STAT_00000001]\r\nSN=1\r\n", "", "", RecordEnd::NoNumberLeft, 0},
+        {"[STAT]\r\nQTY=1e10\r\n", "", "", RecordEnd::NoNumberLeft, 0},
+        {"[STAT]\r\nQTY=1e400\r\n", "", "", RecordEnd::NoNumberLeft, 0},
+        {three, "", "", RecordEnd::WriteFailed, 6, true},
     };
     for (const auto& c : cases) {
-        RecordRig rig;
-        TempFolder::Write(rig.Ini(), before);
-        rig.module.answers[c.command] = c.answer;
-        EXPECT_EQ(rig.Write().End, c.end) << c.name;
-        EXPECT_EQ(rig.module.commands.size(), c.clearing ? 6u : 5u) << c.name;
-        if (c.end == RecordEnd::Written)
-            EXPECT_EQ(rig.Read("STAT", "QTY"), "4") << c.name;
-        else
-            EXPECT_EQ(TempFolder::Read(rig.Ini()), before) << c.name;
+        RecordRig rig(c.before, c.command, c.answer);
+        if (c.locked) std::filesystem::permissions(rig.Ini(), std::filesystem::perms::owner_read);
+        const ProductionRecord record = rig.Write();
+        EXPECT_EQ(record.End, c.end) << c.command << c.answer << c.before;
+        EXPECT_EQ(rig.module.commands.size(), c.sent) << c.command << c.answer << c.before;
+        EXPECT_EQ(TempFolder::Read(rig.Ini()), c.before) << c.command << c.answer;
+        const auto why = c.locked ? std::make_error_code(std::errc::permission_denied) : std::error_code();
+        EXPECT_EQ(record.WriteFailure, why) << why.message();
     }
 }
 
-TEST(ProductionRecord, AnswersAreKeptAsTheyComeAndAFailingPortIsSkipped) {
-    RecordRig rig;
-    rig.module.answers.erase("GETNAME");  // "Error!"
-    rig.module.answers["GETPDATE"] = "  ";
-    const ProductionRecord record = rig.Write();
-    EXPECT_EQ(record.End, RecordEnd::Written);
-    EXPECT_EQ(rig.Read(record.Section, "Name"), "Error!");
-    // An empty answer removes the key rather than writing it.
-    EXPECT_EQ(rig.Read(record.Section, "Date"), "(missing)");
-
-    RecordRig broken;
+TEST(ProductionRecord, AnEmptyAnswerLeavesItsKeyOutAndAFailingPortIsSkipped) {
+    RecordRig rig("", "GETPDATE", "  ");
+    EXPECT_EQ(rig.Write().End, RecordEnd::Written);
+    EXPECT_EQ(rig.Read("STAT_00000001", "Date"), "(missing)");
+    RecordRig broken("");
     broken.port.failOutput = true;
     const ProductionRecord none = broken.Write();
-    EXPECT_EQ(none.End, RecordEnd::UidNotSixteen);
-    ASSERT_TRUE(none.PortFailure.has_value());
-    EXPECT_EQ(none.UID, "");
+    EXPECT_TRUE(none.End == RecordEnd::UidNotSixteen && none.PortFailure.has_value());
 }
 
 }  // namespace
