@@ -112,6 +112,7 @@ const char* RecordEndName(RecordEnd end) {
         case RecordEnd::NotCleared: return "the module did not confirm CLROTP";
         case RecordEnd::SerialError: return "the module answered Error! to GETSN";
         case RecordEnd::WriteFailed: return "sniffer.ini could not be written";
+        case RecordEnd::NoNumberLeft: return "QTY in sniffer.ini has no record number left";
     }
     return "";
 }
