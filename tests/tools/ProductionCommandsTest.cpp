@@ -87,7 +87,7 @@ TEST_F(ProductionCommands, FlashAllProgramsEveryModuleInBootModeAndNamesTheOneTh
     }
     // The two children counted in one sniffer.ini without sharing a number.
     EXPECT_EQ(numbers, (std::set<int>{1, 2}));
-    EXPECT_EQ(IniReadValue("STAT", "QTY", "-", folder.File("bin/sniffer.ini")), " 2");
+    EXPECT_EQ(IniReadValue("STAT", "QTY", "-", folder.File("bin/sniffer.ini")), "2");
 }
 
 TEST_F(ProductionCommands, AStationProgramsModulesPluggedInOneAfterAnotherOnceEach) {
