@@ -26,6 +26,7 @@ public:
         return false;
     }
     void NotifyInput() override { inputArrived_ = true; }
+    void ForgetInput() override { inputArrived_ = false; }
 
 private:
     bool inputArrived_ = false;
@@ -38,6 +39,7 @@ void Wait(double ms, bool stopOnInput) {
     WaitContext& context = *current;
     const double start = context.Tick();
     const double target = static_cast<double>(context.Tick()) + ms;
+    if (stopOnInput) context.ForgetInput();
     context.PumpEvents();
     for (;;) {
         const double t = context.Tick();

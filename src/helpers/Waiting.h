@@ -20,6 +20,10 @@ public:
     virtual bool Sleep(double ms, bool stopOnInput) = 0;
     // Called by a port when input has arrived.
     virtual void NotifyInput() = 0;
+    // Drops a notice of input that came before this moment: a wait that
+    // ends on input ends on input that came while it waited, not on input
+    // its caller has taken already.
+    virtual void ForgetInput() {}
 };
 
 // nullptr installs the plain context: a steady clock and a thread sleep.

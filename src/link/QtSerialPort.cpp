@@ -204,17 +204,24 @@ std::string QtSerialPort::Input() {
     return taken;
 }
 
-void QtSerialPort::PushOutput() {
-    while (!unsent_.empty() && !failure_) {
-        const ssize_t n = ::write(fd_, unsent_.data(), unsent_.size());
+// As much of bytes as the system takes now; a failure is kept in failure_.
+std::size_t QtSerialPort::WriteNow(std::string_view bytes) {
+    std::size_t done = 0;
+    while (done < bytes.size() && !failure_) {
+        const ssize_t n = ::write(fd_, bytes.data() + done, bytes.size() - done);
         if (n > 0) {
-            unsent_.erase(0, static_cast<std::size_t>(n));
+            done += static_cast<std::size_t>(n);
             continue;
         }
         if (n < 0 && errno == EINTR) continue;
         if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) break;
         Fail(PortError("Cannot write to " + DevicePath(name_), std::strerror(n < 0 ? errno : EIO)));
     }
+    return done;
+}
+
+void QtSerialPort::PushOutput() {
+    if (!unsent_.empty() && !failure_) unsent_.erase(0, WriteNow(unsent_));
     if (writable_) writable_->setEnabled(!unsent_.empty() && !failure_);
 }
 
@@ -222,8 +229,14 @@ void QtSerialPort::Output(const std::string& bytes) {
     RequireOpen();
     if (failure_) throw *failure_;
     // Behind what is still waiting, so the order holds; alone, it goes out
-    // in one write.
-    unsent_ += bytes;
+    // in one write straight from the caller's bytes, and only what the
+    // system did not take is kept.
+    if (unsent_.empty()) {
+        const std::size_t taken = WriteNow(bytes);
+        if (taken < bytes.size()) unsent_.assign(bytes, taken);
+    } else {
+        unsent_ += bytes;
+    }
     PushOutput();
     if (failure_) throw *failure_;
 }

@@ -3,6 +3,7 @@
 #include <QSocketNotifier>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 #include "link/PortSettings.h"
 #include "link/SerialPort.h"
@@ -50,6 +51,7 @@ private:
     void RequireOpen() const;
     void PullInput();
     void PushOutput();
+    std::size_t WriteNow(std::string_view bytes);
     void Fail(PortError failure);
     [[noreturn]] void Throw(const std::string& what, int error) const;
 

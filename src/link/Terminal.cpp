@@ -48,7 +48,8 @@ std::string TerminalRead() {
         receiveBuffer += taken;
         if (taken.empty()) {
             ++idle;
-            WaitMs(kPollMs);
+            // A pass ends as soon as input arrives; the count of passes stays the limit.
+            WaitMsOrInput(kPollMs);
         }
         if (idle == kIdlePolls) return {};
         if (!receiveBuffer.empty()) break;

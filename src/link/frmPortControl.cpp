@@ -44,7 +44,7 @@ frmPortControl::frmPortControl(QWidget* parent)
 
 frmPortControl::frmPortControl(std::unique_ptr<PortInventory> inventory, std::unique_ptr<SerialPort> port,
                                QWidget* parent)
-    : QDialog(parent), MSComm1(std::move(port)), inventory_(std::move(inventory)) {
+    : QDialog(parent), MSComm1(std::move(port)), inventory_(std::move(inventory)), watcher_(new DeviceWatcher(this)) {
     BuildControls();
     ConnectEvents();
     // The load of the screen.
@@ -97,6 +97,10 @@ void frmPortControl::ConnectEvents() {
     connect(cmdSwitchToBoot, &QPushButton::clicked, this, [this] { cmdSwitchToBoot_Click(); });
     connect(cmdSwitchToDev, &QPushButton::clicked, this, [this] { cmdSwitchToDev_Click(); });
     connect(cmdScan, &QPushButton::clicked, this, [this] { UpdatePortList(); });
+    // The lists follow the plugging; a switch scans at its own end.
+    connect(watcher_, &DeviceWatcher::portsChanged, this, [this] {
+        if (isVisible() && !switching_) UpdatePortList();
+    });
     connect(cmdSelect, &QPushButton::clicked, this, [this] {
         if (!switching_) accept();
     });

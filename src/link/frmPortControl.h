@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "link/DeviceWatcher.h"
 #include "link/PortInventory.h"
 #include "link/PortLists.h"
 #include "link/SerialPort.h"
@@ -79,6 +80,8 @@ private:
     PortListState lists_;
     std::unique_ptr<ui::StatusBarText> status_;
     bool switching_ = false;
+    // While the dialog is shown, each change of the ports scans again.
+    DeviceWatcher* watcher_;
 };
 
 }  // namespace sb

@@ -16,6 +16,7 @@ public:
     void PumpEvents() override;
     bool Sleep(double ms, bool stopOnInput) override;
     void NotifyInput() override;
+    void ForgetInput() override { inputPending_ = false; }
 
 signals:
     void inputArrived();

@@ -4,6 +4,7 @@
 #include <limits>
 #include <string_view>
 
+#include "helpers/FileLock.h"
 #include "helpers/HexText.h"
 #include "helpers/IniFile.h"
 #include "helpers/NumberText.h"
@@ -104,6 +105,17 @@ ProductionRecord WriteProductionRecord(SerialPort& port, StatusText& status, con
         return record;
     }
 
+    // Several programs may count in one sniffer.ini at once: the number is
+    // taken again under the lock, so that the count read and the count
+    // written are one step and no two modules share a record.
+    const FileLock lock(iniPath);
+    const std::optional<int32_t> numberNow = NextRecordNumber(iniPath);
+    if (!numberNow) {
+        record.End = RecordEnd::NoNumberLeft;
+        return record;
+    }
+    record.Number = *numberNow;
+    record.Section = kRecordSectionPrefix + Uint32ToHex(record.Number);
     const bool written = IniWriteValues(
         {
             {kStatSection, kStatQuantityKey, SignText(record.Number)},

@@ -103,6 +103,15 @@ TEST(TerminalExecute, CountsItsTimeLimitsInIdlePolls) {
     }
 }
 
+TEST(TerminalExecute, APollEndsAsSoonAsTheModuleAnswers) {
+    // Echo and answer 3 ms after the command: the read takes them then, not
+    // at the end of a 10 ms pass.
+    Exchange exchange;
+    const auto start = exchange.clock.Now();
+    EXPECT_EQ(exchange.Run("GETSN", {{3, "GETSN\r\nA\r\n> "}}), "A");
+    EXPECT_EQ(exchange.clock.Now() - start, 3);
+}
+
 TEST(TerminalExecute, LetsAPortFailurePassWithTheStatusOfItsStage) {
     for (const bool input : {true, false}) {
         Exchange exchange;

@@ -21,6 +21,7 @@ public:
     void PumpEvents() override { RunDue(); }
     bool Sleep(double ms, bool stopOnInput) override;
     void NotifyInput() override { inputPending_ = true; }
+    void ForgetInput() override { inputPending_ = false; }
 
     // Runs action when the virtual time reaches at (ms since construction
     // plus the start tick); actions at the same time run in schedule order.

@@ -85,10 +85,13 @@ private:
 class ModuleProcess {
 public:
     ModuleProcess(const TempFolder& folder, const std::vector<std::string>& args)
-        : statePath_(folder.File("module.state")), linkPath_(folder.File("module.link")) {
+        : ModuleProcess(folder, "module", args) {}
+    // Several modules in one folder, each with files of its own name.
+    ModuleProcess(const TempFolder& folder, const std::string& name, const std::vector<std::string>& args)
+        : statePath_(folder.File(name + ".state")), linkPath_(folder.File(name + ".link")) {
         std::vector<std::string> all = {Program(), "--state-file", statePath_, "--link", linkPath_};
         all.insert(all.end(), args.begin(), args.end());
-        const std::string errPath = folder.File("module.err");
+        const std::string errPath = folder.File(name + ".err");
         pid_ = ::fork();
         if (pid_ == 0) {
             const int log = ::open(errPath.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);

@@ -16,6 +16,11 @@ inline constexpr int kExitNotConfirmed = 4;
 inline constexpr int kExitTransferFailed = 5;
 inline constexpr int kExitNoFile = 6;  // firmware file missing, empty or unreadable
 inline constexpr int kExitNoConfiguration = 7;
+inline constexpr int kExitSerialUnknown = 10;
+inline constexpr int kExitSerialAmbiguous = 11;
+inline constexpr int kExitModuleFailed = 12;  // flash --all, station: a module was not programmed
+inline constexpr int kExitNoLog = 13;
+inline constexpr int kExitFirmwareChanged = 14;
 
 struct ExitStatus {
     int Code;
@@ -30,10 +35,16 @@ inline constexpr ExitStatus kExitStatuses[] = {
     {kExitTransferFailed, "firmware transfer failed"},
     {kExitNoFile, "firmware file missing, empty or unreadable"},
     {kExitNoConfiguration, "no configuration of the catalog has the image's Id"},
+    {kExitSerialUnknown, "no module has the serial"},
+    {kExitSerialAmbiguous, "two or more modules have the serial"},
+    {kExitModuleFailed, "a module of the run was not programmed"},
+    {kExitNoLog, "the log file cannot be written"},
+    {kExitFirmwareChanged, "the firmware file changed or went away while the station ran"},
 };
 
 void AddCatalogCommands(CLI::App& app);  // decode, set
 void AddDeviceCommands(CLI::App& app);   // ports, info, boot, run, write
 void AddFlashCommand(CLI::App& app);     // flash
+void AddStationCommand(CLI::App& app);   // station
 
 }  // namespace sb::cli

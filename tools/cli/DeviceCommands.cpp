@@ -4,6 +4,7 @@
 
 #include "Commands.h"
 #include "JsonText.h"
+#include "SerialChoice.h"
 #include "TerminalLines.h"
 #include "config/Types.h"
 #include "helpers/HexText.h"
@@ -253,8 +254,9 @@ CLI::App* AddCommand(CLI::App& app, const char* name, const char* description,
     return command;
 }
 
-void AddPortOption(CLI::App* command, const std::shared_ptr<DeviceOptions>& options) {
-    command->add_option("--port", options->port, "A port name as 'ports' lists it, or a device path")->required();
+void AddPortOption(CLI::App* command, const std::shared_ptr<DeviceOptions>& options,
+                   WantedMode wanted = WantedMode::Boot) {
+    AddPortOrSerial(command, options->port, wanted);
 }
 
 }  // namespace
@@ -270,7 +272,7 @@ void AddDeviceCommands(CLI::App& app) {
 
     CLI::App* boot =
         AddCommand(app, "boot", "Send a running module into boot mode, and show its new port", options, Boot);
-    AddPortOption(boot, options);
+    AddPortOption(boot, options, WantedMode::Any);
     boot->add_option("--wait", options->waitSeconds, "Seconds to wait for the module's new port (default 10)");
 
     CLI::App* run =

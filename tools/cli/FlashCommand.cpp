@@ -8,9 +8,13 @@
 
 #include "Commands.h"
 #include "JsonText.h"
+#include "ProductionCommands.h"
+#include "SerialChoice.h"
 #include "TerminalLines.h"
+#include "link/ModeSwitch.h"
 #include "link/PortErrorText.h"
 #include "link/QtSerialPort.h"
+#include "production/ChildReport.h"
 #include "update/SnifferIni.h"
 #include "update/TransferPace.h"
 #include "update/UpdateRun.h"
@@ -30,6 +34,8 @@ struct FlashOptions {
     std::string file;
     bool production = false;
     bool json = false;
+    bool progressJson = false;
+    bool runAfter = false;
     int retries = 0;
 };
 
@@ -163,6 +169,14 @@ int Conclude(const UpdateOutcome& outcome) {
     return 0;
 }
 
+// RUN behind a successful download; the module leaves its boot loader.
+void StartFirmware(const std::string& portName) {
+    QtSerialPort port;
+    PlainStatusText status;
+    if (const auto failure = SwitchToRunning(port, portName, status, [](const std::string&) {}))
+        std::cerr << TerminalLines(PortErrorText("CommPort Error", *failure)) << '\n';
+}
+
 void Flash(const FlashOptions& options) {
     QtSerialPort port;
     PlainStatusText status;
@@ -174,7 +188,10 @@ void Flash(const FlashOptions& options) {
     hooks.FileName = [&options] { return options.file; };
     hooks.ChoosePort = [&options] { return options.port; };
     hooks.EnableStart = [](bool) {};
-    hooks.Progress = [&progress](const XmodemProgress& p) { progress.Show(p); };
+    hooks.Progress = [&](const XmodemProgress& p) {
+        if (options.progressJson) std::cout << ProgressLine(p) << std::flush;
+        else progress.Show(p);
+    };
     hooks.ShowMessage = [&](const std::string& text, ui::MessageButtons buttons) {
         progress.EndLine();
         messages.push_back(text);
@@ -200,15 +217,17 @@ void Flash(const FlashOptions& options) {
     }
     std::cout.flush();
     if (const int exitStatus = Conclude(outcome)) throw CLI::RuntimeError(exitStatus);
+    if (options.runAfter) StartFirmware(options.port);
 }
 
 }  // namespace
 
 void AddFlashCommand(CLI::App& app) {
     auto options = std::make_shared<FlashOptions>();
+    auto many = std::make_shared<ProductionOptions>();
     CLI::App* flash =
         app.add_subcommand("flash", "Download a firmware file into a module in boot mode (CR BOOT CR, then XMODEM-1K)");
-    flash->add_option("--port", options->port, "A port name as 'ports' lists it, or a device path")->required();
+    AddPortOrSerial(flash, options->port, WantedMode::Boot, AddFlashAllOptions(flash, *many));
     flash->add_option("file", options->file, "The firmware file (*.cod)")->required();
     flash->add_flag("--production", options->production,
                     "Behind a successful download add the production record to sniffer.ini");
@@ -216,7 +235,17 @@ void AddFlashCommand(CLI::App& app) {
         ->type_name("N")
         ->check(CLI::NonNegativeNumber);
     flash->add_flag("--json", options->json, "Print the result as one JSON object");
-    flash->callback([options] { Flash(*options); });
+    flash->add_flag("--progress-json", options->progressJson,
+                    "The progress as one JSON line per block on standard output, for a program that watches");
+    flash->add_flag("--run-after", options->runAfter, "Start the firmware with RUN behind a successful download");
+    flash->callback([options, many] {
+        if (!many->all) return Flash(*options);
+        many->file = options->file;
+        many->production = options->production;
+        many->retries = options->retries;
+        many->runAfter = options->runAfter;
+        FlashAll(*many);
+    });
 }
 
 }  // namespace sb::cli

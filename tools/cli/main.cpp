@@ -43,6 +43,7 @@ int main(int argc, char** argv) {
     sb::cli::AddCatalogCommands(app);
     sb::cli::AddDeviceCommands(app);
     sb::cli::AddFlashCommand(app);
+    sb::cli::AddStationCommand(app);
 
     int status = sb::cli::kExitSuccess;
     try {
