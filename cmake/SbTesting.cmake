@@ -1,7 +1,8 @@
 # sb_add_test(<name> LABEL <unit|integration|gui|interop> SOURCES ... [LIBS ...])
 # One GoogleTest executable, its cases discovered at test time and labelled.
 # Every test runs with Qt's offscreen platform and its own registry folder for
-# virtual modules, so that tests never see a module started by a person.
+# virtual modules, so that tests never see a module started by a person, and
+# data and settings folders of its own, so that they never touch the user's.
 function(sb_add_test name)
   cmake_parse_arguments(T "" "LABEL;TIMEOUT" "SOURCES;LIBS" ${ARGN})
   if(NOT T_TIMEOUT)
@@ -16,7 +17,9 @@ function(sb_add_test name)
     "QT_QPA_PLATFORM=offscreen"
     "SERVICEBAY_REGISTRY=${CMAKE_BINARY_DIR}/test-registry/${name}"
     "SB_BIN_DIR=${CMAKE_BINARY_DIR}/bin"
-    "SB_SOURCE_DIR=${CMAKE_SOURCE_DIR}")
+    "SB_SOURCE_DIR=${CMAKE_SOURCE_DIR}"
+    "XDG_DATA_HOME=${CMAKE_BINARY_DIR}/test-home/${name}/data"
+    "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-home/${name}/config")
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60

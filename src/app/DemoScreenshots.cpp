@@ -100,6 +100,17 @@ void DownloadDemoFirmware(Camera& camera, frmDeviceCofigurator& form) {
     OverrideSnifferIniPath({});
 }
 
+// The working image set to the catalog's first configuration, then compared
+// with the one read from the module.
+void CompareDemoConfiguration(frmDeviceCofigurator& form) {
+    if (form.cmbConfigList->count() < 2) return;
+    form.cmbConfigList->setCurrentIndex(0);
+    form.cmbConfigList_Click();
+    form.cmdSelPredefCfg->click();
+    emit form.mnuFile->aboutToShow();
+    form.mnuCompareReaded->trigger();
+}
+
 }  // namespace
 
 int TakeDemoScreenshots(frmDeviceCofigurator& form, const QString& folder) {
@@ -122,6 +133,7 @@ int TakeDemoScreenshots(frmDeviceCofigurator& form, const QString& folder) {
     EditEachType(form, types);
     form.cmdWriteConfig->click();
     DownloadDemoFirmware(camera, form);
+    CompareDemoConfiguration(form);
     form.mnuOfflineRead->trigger();
     form.tvOptions->expandAll();
     camera.Take(form, QStringLiteral("main-offline"));

@@ -26,14 +26,7 @@ DeviceInfo Placeholders() {
 }  // namespace
 
 void frmDeviceCofigurator::Command1_Click() {
-    ClearPreviousRead();
-    tree_->Clear();
-    // Emptied as part of the reset, without the box's change logic: the
-    // screen stays cleared when the file fails, and the assignment at the end
-    // always changes the text, so it builds the tree.
-    cfgEditedText_.clear();
-    txtCfgEdited->clear();
-
+    ClearForOfflineRecord();
     DeviceInfo local = Placeholders();
     const CatalogFile file = LoadCatalogFile(configOptionsPath_);
     if (!file.Loaded) {
@@ -42,6 +35,20 @@ void frmDeviceCofigurator::Command1_Click() {
     }
     local.AppConfig = file.AppConfig;
     local.InfoFile = file.Xml;
+    TakeOfflineRecord(local);
+}
+
+void frmDeviceCofigurator::ClearForOfflineRecord() {
+    ClearPreviousRead();
+    tree_->Clear();
+    // Emptied as part of the reset, without the box's change logic: the
+    // screen stays cleared when the file fails, and the assignment at the end
+    // always changes the text, so it builds the tree.
+    cfgEditedText_.clear();
+    txtCfgEdited->clear();
+}
+
+void frmDeviceCofigurator::TakeOfflineRecord(DeviceInfo& local) {
     ShowModuleTexts(local, false);
     if (!LoadCatalogOrSay(local)) return;
     TakeCatalogIn(local);

@@ -68,6 +68,7 @@ void frmDeviceCofigurator::ReadOpenModule() {
     if (closeRequested_) return;
     tree_->Clear();
     ShowModuleTexts(local, true);
+    KeepReadInHistory(local);
     ConfigurationAfterRead(local);
 }
 

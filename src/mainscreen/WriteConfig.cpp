@@ -46,7 +46,12 @@ void frmDeviceCofigurator::WriteToOpenModule() {
     // A port that fails during the exchange leaves the answer empty.
     std::string answer;
     SkipOnPortError([&] { answer = TrimBlanks(TerminalExecute(std::string(cmd::SETAPPCFG) + data, *MSComm1, *status_)); });
-    ShowMessage(answer == cmd::AnswerOK ? kWritten : kNotWritten);
+    if (answer != cmd::AnswerOK) {
+        ShowMessage(kNotWritten);
+        return;
+    }
+    const std::string differs = mnuVerifyWrite->isChecked() ? WriteNotVerified(data) : std::string();
+    ShowMessage(differs.empty() ? kWritten : differs);
 }
 
 }  // namespace sb::ui

@@ -113,6 +113,7 @@ void frmDeviceCofigurator::BuildControls() {
     mnuEditor = Named(mnuTools->addAction(QStringLiteral("Data Base Viewer/Editor")), "mnuEditor");
     mnuTools->addSeparator();
     mnuOfflineRead = Named(mnuTools->addAction(QStringLiteral("Read info from ConfigOptions.xml")), "mnuOfflineRead");
+    AddConfigFileMenus();
 
     StatusBar = Named(statusBar(), "StatusBar");
     status_ = std::make_unique<StatusBarText>(*StatusBar);

@@ -65,6 +65,15 @@ public:
     QMenu* mnuTools;
     QAction* mnuEditor;
     QAction* mnuOfflineRead;
+    // File: configuration files (ConfigFileMenu.cpp).
+    QMenu* mnuFile = nullptr;
+    QAction* mnuOpenConfig = nullptr;
+    QAction* mnuSaveConfig = nullptr;
+    QMenu* mnuCompareConfig = nullptr;
+    QAction* mnuCompareReaded = nullptr;
+    QAction* mnuCompareFile = nullptr;
+    QAction* mnuRestoreHistory = nullptr;
+    QAction* mnuVerifyWrite = nullptr;  // in Tools; remembered in the user's settings
 
     // "Module info".
     QGroupBox* Frame6;
@@ -106,6 +115,11 @@ public:
     void cmdSelPredefCfg_Click();
     void cmbConfigList_Click();
     void cmbConfigList_Validate();
+    void mnuOpenConfig_Click();
+    void mnuSaveConfig_Click();
+    void mnuCompareReaded_Click();
+    void mnuCompareFile_Click();
+    void mnuRestoreHistory_Click();
 
     // The text of txtCfgEdited as the program set it; the box shows it in
     // rows of 32 bytes.
@@ -166,6 +180,23 @@ private:
     void BuildTreeOrSay();
 
     void Unload();
+
+    // The offline run's screen, cleared and then filled from a record that
+    // holds an identity, AppConfig and InfoFile (OfflineRun.cpp).
+    void ClearForOfflineRecord();
+    void TakeOfflineRecord(DeviceInfo& local);
+
+    // Configuration files (ConfigFileMenu.cpp).
+    void AddConfigFileMenus();
+    void UpdateConfigFileMenu();
+    void OpenConfigFile(const std::string& path);
+    void CompareWith(const DeviceInfo& other, const std::string& otherImage, const std::string& otherName);
+    // A read whose answers make a configuration keeps it in the history; a
+    // history that cannot be written only says so in the status bar.
+    void KeepReadInHistory(const DeviceInfo& read);
+    // Behind an "OK" to SETAPPCFG, with verify on: why the module does not
+    // hold what was sent, read back on the open port; empty when it does.
+    std::string WriteNotVerified(const std::string& sentHex);
 
     std::string configOptionsPath_;
     DeviceInfo device_;

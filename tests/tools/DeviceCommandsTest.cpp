@@ -46,10 +46,10 @@ TEST(DeviceCommands, InfoReadsTheElevenFieldsAt300Baud) {
     const CliRun json = RunCli(folder, {"info", "--port", module.SlavePath(), "--json"});
     EXPECT_EQ(json.status, 0) << json.err;
     EXPECT_EQ(json.out,
-              "{\"SN\": \"12345678\", \"PVer\": \"1.02.03\", \"PName\": \"Sniffer\", \"PDate\": \"01.02.2024\", "
-              "\"VIN\": \"WVWZZZ1JZXW000001\", \"FWName\": \"APP\", \"FWVer\": \"2.00.01\", \"HWVer\": \"HW3\", "
-              "\"AppConfig\": \"00FF10\", \"InfoFile\": \"<Options CfgLen=\\\"3\\\"/>\", "
-              "\"AppInfo\": \" \\\"a\\\\b\\\"\\r\\n\\u0000\\t\xC3\xA9 \"}\n");
+              "{\"SN\":\"12345678\",\"PVer\":\"1.02.03\",\"PName\":\"Sniffer\",\"PDate\":\"01.02.2024\","
+              "\"VIN\":\"WVWZZZ1JZXW000001\",\"FWName\":\"APP\",\"FWVer\":\"2.00.01\",\"HWVer\":\"HW3\","
+              "\"AppConfig\":\"00FF10\",\"InfoFile\":\"<Options CfgLen=\\\"3\\\"/>\","
+              "\"AppInfo\":\" \\\"a\\\\b\\\"\\r\\n\\u0000\\t\xC3\xA9 \"}\n");
     EXPECT_EQ(module.Openings().at(0).speed, B300);
 }
 
@@ -99,7 +99,7 @@ TEST(DeviceCommands, BootAndRunSwitchAndWaitForTheNewPort) {
     const CliRun run = RunCli(folder, {"run", "--port", module.SlavePath(), "--wait", "0", "--json"});
     EXPECT_EQ(run.status, 4);
     EXPECT_EQ(run.out,
-              "{\"answer\": \"RUN\\r\\nStarting application\\r\\n\", \"port\": null, \"description\": null}\n");
+              "{\"answer\":\"RUN\\r\\nStarting application\\r\\n\",\"port\":null,\"description\":null}\n");
     const auto openings = module.Openings(2);
     ASSERT_EQ(openings.size(), 2u);
     EXPECT_EQ(openings[0].received + "|" + openings[1].received, "|GETSN\rRUN\r\n");

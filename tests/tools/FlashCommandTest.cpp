@@ -55,7 +55,7 @@ TEST_F(FlashCommand, TheModuleHoldsTheFileAndEachProductionRunAddsARecordBesideT
     for (const int n : {1, 2}) {
         const CliRun run = Flash("firmware", {"--production", "--json"});
         EXPECT_EQ(run.status, 0) << run.err;
-        EXPECT_NE(run.out.find("\"written\": true, \"end\": \"written\", \"number\": " + std::to_string(n)),
+        EXPECT_NE(run.out.find("\"written\":true,\"end\":\"written\",\"number\":" + std::to_string(n)),
                   std::string::npos)
             << run.out;
         EXPECT_EQ(Ini("STAT_0000000" + std::to_string(n), "UID"), "0123456789ABCDEF");

@@ -68,7 +68,7 @@ TEST_F(ProductionCommands, FlashAllProgramsEveryModuleInBootModeAndNamesTheOneTh
     Plug("SB0004", {});  // running: not taken
     const CliRun run = Cli({"flash", folder.File("fw.cod"), "--all", "--production", "--log", folder.File("run.log")});
 
-    EXPECT_EQ(run.status, 12) << run.err;
+    EXPECT_EQ(run.status, 23) << run.err;
     EXPECT_NE(run.err.find("Not programmed: SB0003."), std::string::npos) << run.err;
     EXPECT_NE(run.out.find("2 of 3 modules programmed; failed: SB0003"), std::string::npos) << run.out;
     std::vector<json> lines;
@@ -125,8 +125,8 @@ TEST_F(ProductionCommands, SerialFindsTheModuleAndSendsARunningOneIntoItsBootLoa
     EXPECT_EQ(info.status, 0) << info.err;
     EXPECT_NE(info.out.find("SN: 00004711"), std::string::npos) << info.out;
     EXPECT_TRUE(modules[0]->WaitForState("Mode", "boot"));
-    EXPECT_EQ(Cli({"info", "--serial", "SB0299"}).status, 10);
-    EXPECT_EQ(Cli({"info", "--serial", "SB0202"}).status, 11);
+    EXPECT_EQ(Cli({"info", "--serial", "SB0299"}).status, 21);
+    EXPECT_EQ(Cli({"info", "--serial", "SB0202"}).status, 22);
 }
 
 }  // namespace

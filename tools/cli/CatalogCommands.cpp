@@ -4,11 +4,12 @@
 #include <vector>
 
 #include "Commands.h"
-#include "JsonText.h"
+#include "JsonOutput.h"
 #include "config/Catalog.h"
 #include "config/ConfigTool.h"
 #include "config/Latin1Text.h"
 #include "config/MemoryOptionTree.h"
+#include "configfiles/ConfigFile.h"
 #include "helpers/BinaryFile.h"
 #include "helpers/BitMasks.h"
 #include "helpers/HexText.h"
@@ -27,6 +28,7 @@ struct CatalogOptions {
     bool json = false;
     bool force = false;
     std::vector<std::string> assignments;
+    std::string output;  // set: a configuration file of the result
 };
 
 [[noreturn]] void Fail(int status, const std::string& message) {
@@ -57,7 +59,10 @@ std::string ForTerminal(const std::string& text) {
 // What the technician types, in the catalog's one byte a character.
 std::string FromTerminal(const std::string& text) { return IsUtf8(text) ? Utf8ToLatin1(text) : text; }
 
+// A configuration file brings its catalog, its module's identity and its
+// image (CfgImage); a catalog document only the catalog.
 DeviceInfo LoadDevice(const std::string& path) {
+    if (IsConfigFilePath(path)) return ReadConfigFile(path).Device;
     DeviceInfo device;
     ReadBinaryFile(path, device.InfoFile);
     std::string reason;
@@ -76,6 +81,8 @@ std::string ImageOf(const CatalogOptions& options, const DeviceInfo& device) {
                                  std::to_string(cfgs.Count()) + ", numbered from 0");
         return cfgs.Items[static_cast<size_t>(options.config)].Data;
     }
+    if (options.image.empty() && IsConfigFilePath(options.catalog)) return device.CfgImage;
+    if (options.image.empty()) Fail(kExitUsage, "Give the image: --image HEX or --config INDEX");
     std::string image;
     try {
         image = HexToBytes(NormalizeHex(options.image));
@@ -107,24 +114,17 @@ void PrintNode(const MemoryTreeNode& node, int level) {
     for (const MemoryTreeNode* child : node.Children()) PrintNode(*child, level + 1);
 }
 
-std::string JsonBool(bool value) { return value ? "true" : "false"; }
-
-// One node a line; children open behind their parent's fields.
-void PrintJsonNode(const MemoryTreeNode& node, const std::string& indent) {
-    std::cout << indent << "{\"key\": " << JsonString(node.Key()) << ", \"text\": " << JsonString(node.Text())
-              << ", \"tag\": " << JsonString(node.Tag());
-    if (node.Expanded()) std::cout << ", \"expanded\": " << JsonBool(*node.Expanded());
-    if (node.ForeColor()) std::cout << ", \"forecolor\": " << *node.ForeColor();
-    if (node.Checked()) std::cout << ", \"checked\": " << JsonBool(*node.Checked());
-    if (node.Bold()) std::cout << ", \"bold\": " << JsonBool(*node.Bold());
-    std::cout << ", \"children\": [";
-    const auto& children = node.Children();
-    for (size_t i = 0; i < children.size(); ++i) {
-        std::cout << (i == 0 ? "\n" : ",\n");
-        PrintJsonNode(*children[i], indent + "  ");
-    }
-    if (!children.empty()) std::cout << '\n' << indent;
-    std::cout << "]}";
+// A node with its fields and its children, as the tree holds them.
+Json JsonNode(const MemoryTreeNode& node) {
+    Json out = {{"key", JsonBytes(node.Key())}, {"text", JsonBytes(node.Text())}, {"tag", JsonBytes(node.Tag())}};
+    if (node.Expanded()) out["expanded"] = *node.Expanded();
+    if (node.ForeColor()) out["forecolor"] = *node.ForeColor();
+    if (node.Checked()) out["checked"] = *node.Checked();
+    if (node.Bold()) out["bold"] = *node.Bold();
+    Json children = Json::array();
+    for (const MemoryTreeNode* child : node.Children()) children.push_back(JsonNode(*child));
+    out["children"] = std::move(children);
+    return out;
 }
 
 void Decode(const CatalogOptions& options) {
@@ -133,12 +133,9 @@ void Decode(const CatalogOptions& options) {
     MemoryOptionTree tree;
     const bool result = BuildOptionTree(image, device, tree);
     if (options.json) {
-        std::cout << "{\"result\": " << JsonBool(result) << ", \"nodes\": [";
-        for (size_t i = 0; i < tree.Roots().size(); ++i) {
-            std::cout << (i == 0 ? "\n" : ",\n");
-            PrintJsonNode(*tree.Roots()[i], "  ");
-        }
-        std::cout << (tree.Roots().empty() ? "]}\n" : "\n]}\n");
+        Json nodes = Json::array();
+        for (const MemoryTreeNode* root : tree.Roots()) nodes.push_back(JsonNode(*root));
+        PrintJson({{"result", result}, {"nodes", std::move(nodes)}});
     } else {
         for (const MemoryTreeNode* root : tree.Roots()) PrintNode(*root, 0);
     }
@@ -243,30 +240,33 @@ void Set(const CatalogOptions& options) {
     std::vector<Change> changes;
     for (const std::string& assignment : options.assignments)
         changes.push_back(Apply(assignment, device, image, options.force));
+    if (!options.output.empty()) WriteConfigFile(options.output, MakeConfigDocument(device, image));
     if (!options.json) {
         std::cout << BytesToHex(image) << '\n';
         return;
     }
-    std::cout << "{\"image\": " << JsonString(BytesToHex(image)) << ", \"changes\": [";
-    for (size_t i = 0; i < changes.size(); ++i) {
-        const Change& c = changes[i];
-        std::cout << (i == 0 ? "\n" : ",\n") << "  {\"index\": " << c.index << ", \"name\": " << JsonString(c.name)
-                  << ", \"value\": " << JsonString(c.value) << ", \"shown\": " << JsonString(c.shown) << "}";
-    }
-    std::cout << (changes.empty() ? "]}\n" : "\n]}\n");
+    Json list = Json::array();
+    for (const Change& c : changes)
+        list.push_back({{"index", c.index},
+                        {"name", JsonBytes(c.name)},
+                        {"value", JsonBytes(c.value)},
+                        {"shown", JsonBytes(c.shown)}});
+    PrintJson({{"image", BytesToHex(image)}, {"changes", std::move(list)}});
 }
 
 CLI::App* AddImageCommand(CLI::App& app, const char* name, const char* description,
                           const std::shared_ptr<CatalogOptions>& options) {
     CLI::App* command = app.add_subcommand(name, description);
-    command->add_option("catalog", options->catalog, "The catalog document (the module's answer to GETINFOFILE)")
+    command->add_option("catalog", options->catalog,
+                        "The catalog document (the module's answer to GETINFOFILE), or a configuration file "
+                        "(*.sbconf), whose image is taken when no other is given")
         ->required()
         ->check(CLI::ExistingFile);
     CLI::Option_group* source = command->add_option_group("image", "The configuration image, one of");
     source->add_option("--image", options->image, "The image as hex text");
     source->add_option("--config", options->config, "The image of the catalog's predefined configuration INDEX")
         ->check(CLI::NonNegativeNumber);
-    source->require_option(1);
+    source->require_option(0, 1);
     command->add_flag("--json", options->json, "Print the result as one JSON object");
     return command;
 }
@@ -284,6 +284,9 @@ void AddCatalogCommands(CLI::App& app) {
                     "NAME=VALUE or INDEX=VALUE: a list entry's text, or the value (INT: hex number, "
                     "BIN and BITFIELD: hex text of the whole field, STR: its characters)")
         ->required();
+    set->add_option("--output", setOptions->output,
+                    "Also keep the result in this configuration file (*.sbconf), with the catalog and the module "
+                    "of the one given");
     set->add_flag("--force", setOptions->force,
                   "Also change options that the image's configuration hides or locks");
     set->callback([setOptions] { Set(*setOptions); });

@@ -1,6 +1,8 @@
 #pragma once
 #include <CLI/CLI.hpp>
 
+#include "configfiles/ConfigFileError.h"
+
 // Each group of commands registers itself on the application. A command that
 // fails prints its reason on standard error and throws CLI::RuntimeError with
 // its exit status (listed in the footer of --help).
@@ -16,11 +18,25 @@ inline constexpr int kExitNotConfirmed = 4;
 inline constexpr int kExitTransferFailed = 5;
 inline constexpr int kExitNoFile = 6;  // firmware file missing, empty or unreadable
 inline constexpr int kExitNoConfiguration = 7;
-inline constexpr int kExitSerialUnknown = 10;
-inline constexpr int kExitSerialAmbiguous = 11;
-inline constexpr int kExitModuleFailed = 12;  // flash --all, station: a module was not programmed
-inline constexpr int kExitNoLog = 13;
-inline constexpr int kExitFirmwareChanged = 14;
+// A configuration file that cannot be taken, one status for each fault.
+inline constexpr int kExitFileUnreadable = 8;
+inline constexpr int kExitFileNotJson = 9;
+inline constexpr int kExitFileCutShort = 10;
+inline constexpr int kExitFileOtherFormat = 11;
+inline constexpr int kExitFileOtherVersion = 12;
+inline constexpr int kExitFileBadField = 13;
+inline constexpr int kExitFileCatalogRefused = 14;
+inline constexpr int kExitFileWrongLength = 15;
+inline constexpr int kExitFileNotHex = 16;
+inline constexpr int kExitFileCannotWrite = 17;
+inline constexpr int kExitDoesNotFit = 18;
+inline constexpr int kExitNotVerified = 19;
+inline constexpr int kExitDiffer = 20;
+inline constexpr int kExitSerialUnknown = 21;
+inline constexpr int kExitSerialAmbiguous = 22;
+inline constexpr int kExitModuleFailed = 23;  // flash --all, station: a module was not programmed
+inline constexpr int kExitNoLog = 24;
+inline constexpr int kExitFirmwareChanged = 25;
 
 struct ExitStatus {
     int Code;
@@ -35,6 +51,19 @@ inline constexpr ExitStatus kExitStatuses[] = {
     {kExitTransferFailed, "firmware transfer failed"},
     {kExitNoFile, "firmware file missing, empty or unreadable"},
     {kExitNoConfiguration, "no configuration of the catalog has the image's Id"},
+    {kExitFileUnreadable, "configuration file missing or unreadable"},
+    {kExitFileNotJson, "configuration file not JSON"},
+    {kExitFileCutShort, "configuration file cut short"},
+    {kExitFileOtherFormat, "not a configuration file"},
+    {kExitFileOtherVersion, "configuration file of another version"},
+    {kExitFileBadField, "configuration file with a field missing or wrong"},
+    {kExitFileCatalogRefused, "the configuration's catalog refused"},
+    {kExitFileWrongLength, "the configuration's image of the wrong length"},
+    {kExitFileNotHex, "the configuration's image no hex text"},
+    {kExitFileCannotWrite, "configuration file cannot be written"},
+    {kExitDoesNotFit, "the configuration does not fit the module"},
+    {kExitNotVerified, "the module holds another configuration than was written"},
+    {kExitDiffer, "the configurations differ"},
     {kExitSerialUnknown, "no module has the serial"},
     {kExitSerialAmbiguous, "two or more modules have the serial"},
     {kExitModuleFailed, "a module of the run was not programmed"},
@@ -42,9 +71,30 @@ inline constexpr ExitStatus kExitStatuses[] = {
     {kExitFirmwareChanged, "the firmware file changed or went away while the station ran"},
 };
 
+inline constexpr int ExitStatusOf(ConfigFault fault) {
+    switch (fault) {
+        case ConfigFault::Unreadable: return kExitFileUnreadable;
+        case ConfigFault::NotJson: return kExitFileNotJson;
+        case ConfigFault::CutShort: return kExitFileCutShort;
+        case ConfigFault::OtherFormat: return kExitFileOtherFormat;
+        case ConfigFault::OtherVersion: return kExitFileOtherVersion;
+        case ConfigFault::BadField: return kExitFileBadField;
+        case ConfigFault::CatalogRefused: return kExitFileCatalogRefused;
+        case ConfigFault::WrongImageLength: return kExitFileWrongLength;
+        case ConfigFault::NotHex: return kExitFileNotHex;
+        case ConfigFault::CannotWrite: return kExitFileCannotWrite;
+    }
+    return kExitUsage;
+}
+
 void AddCatalogCommands(CLI::App& app);  // decode, set
 void AddDeviceCommands(CLI::App& app);   // ports, info, boot, run, write
 void AddFlashCommand(CLI::App& app);     // flash
+void AddConfigFileCommands(CLI::App& app);  // save, diff
+
+// Whether a path names a configuration file (by its extension) rather than
+// a catalog document.
+bool IsConfigFilePath(const std::string& path);
 void AddStationCommand(CLI::App& app);   // station
 
 }  // namespace sb::cli

@@ -3,9 +3,13 @@
 #include <optional>
 
 #include "Commands.h"
-#include "JsonText.h"
+#include "JsonOutput.h"
+#include "ModuleConfig.h"
 #include "SerialChoice.h"
 #include "TerminalLines.h"
+#include "config/Latin1Text.h"
+#include "configfiles/ConfigFile.h"
+#include "configfiles/WriteChecks.h"
 #include "config/Types.h"
 #include "helpers/HexText.h"
 #include "helpers/TrimBlanks.h"
@@ -75,6 +79,9 @@ struct DeviceOptions {
     bool verbose = false;
     double waitSeconds = 10;
     std::string hex;
+    std::string file;  // a configuration file in place of hex
+    bool verify = false;
+    bool force = false;
 };
 
 PortListState ScanNow() {
@@ -82,15 +89,15 @@ PortListState ScanNow() {
     return ScanPortLists({}, *inventory, [](const std::string& text) { std::cerr << TerminalLines(text) << '\n'; });
 }
 
-std::string JsonPorts(const PortList& list) {
-    std::string out = "[";
+Json JsonPorts(const PortList& list) {
+    Json out = Json::array();
     for (const auto& item : list.Items) {
         if (item.Port.empty()) continue;  // "Not Found"
-        if (out.size() > 1) out += ", ";
-        out += "{\"port\": " + JsonString(item.Port) + ", \"description\": " + JsonString(item.Info) +
-               ", \"id\": " + JsonString(item.PNPDeviceID) + "}";
+        out.push_back({{"port", JsonBytes(item.Port)},
+                       {"description", JsonBytes(item.Info)},
+                       {"id", JsonBytes(item.PNPDeviceID)}});
     }
-    return out + "]";
+    return out;
 }
 
 void PrintPorts(const char* caption, const PortList& list) {
@@ -105,8 +112,7 @@ void PrintPorts(const char* caption, const PortList& list) {
 void Ports(const DeviceOptions& options) {
     const PortListState lists = ScanNow();
     if (options.json) {
-        std::cout << "{\"running\": " << JsonPorts(lists.DevList) << ", \"boot\": " << JsonPorts(lists.BootList)
-                  << "}\n";
+        PrintJson({{"running", JsonPorts(lists.DevList)}, {"boot", JsonPorts(lists.BootList)}});
         return;
     }
     PrintPorts("Running Devices", lists.DevList);
@@ -144,16 +150,15 @@ void Info(const DeviceOptions& options) {
         {"AppInfo", &info.AppInfo},
     };
     bool silent = false;
-    if (options.json) std::cout << "{";
+    Json json = Json::object();
     for (const auto& [name, value] : fields) {
-        if (options.json) {
-            std::cout << (name == fields[0].first ? "" : ", ") << '"' << name << "\": " << JsonString(*value);
-        } else {
+        if (options.json)
+            json[name] = JsonBytes(*value);
+        else
             std::cout << name << ": " << *value << '\n';
-        }
         silent = silent || *value == kNoAnswer;
     }
-    if (options.json) std::cout << "}\n";
+    if (options.json) PrintJson(json);
     std::cout.flush();
     if (failure) Fail(kExitNoModule, PortErrorText("CommPort Error", *failure));
     if (silent) Fail(kExitNotConfirmed, "The module did not answer every command.");
@@ -180,12 +185,14 @@ std::optional<PortListItem> WaitForArrival(ModuleMode mode, const PortList& befo
     }
 }
 
+// json: what the command has to say before the port, if anything.
 void ReportArrival(const std::optional<PortListItem>& arrived, ModuleMode mode, const DeviceOptions& options,
-                   const std::string& answerJson) {
+                   Json json = Json::object()) {
     const char* caption = mode == ModuleMode::Boot ? "Devices in Boot" : "Running Devices";
     if (options.json) {
-        std::cout << "{" << answerJson << "\"port\": " << (arrived ? JsonString(arrived->Port) : "null")
-                  << ", \"description\": " << (arrived ? JsonString(arrived->Info) : "null") << "}\n";
+        json["port"] = arrived ? JsonBytes(arrived->Port) : Json();
+        json["description"] = arrived ? JsonBytes(arrived->Info) : Json();
+        PrintJson(json);
     } else if (arrived) {
         std::cout << caption << ": " << arrived->Port;
         if (!arrived->Info.empty()) std::cout << "  " << arrived->Info;
@@ -202,8 +209,7 @@ void Boot(const DeviceOptions& options) {
     QtSerialPort port;
     if (const auto failure = SwitchToBoot(port, options.port))
         Fail(kExitNoModule, PortErrorText("CommPort Error", *failure));
-    ReportArrival(WaitForArrival(ModuleMode::Boot, before.BootList, options.waitSeconds), ModuleMode::Boot, options,
-                  "");
+    ReportArrival(WaitForArrival(ModuleMode::Boot, before.BootList, options.waitSeconds), ModuleMode::Boot, options);
 }
 
 void Run(const DeviceOptions& options) {
@@ -215,35 +221,63 @@ void Run(const DeviceOptions& options) {
             SwitchToRunning(port, options.port, status, [&answer](const std::string& text) { answer = text; }))
         Fail(kExitNoModule, PortErrorText("CommPort Error", *failure));
     if (!options.json && answer) std::cout << *answer << (answer->empty() || answer->back() == '\n' ? "" : "\n");
-    const std::string answerJson = "\"answer\": " + (answer ? JsonString(*answer) : std::string("null")) + ", ";
     ReportArrival(WaitForArrival(ModuleMode::Running, before.DevList, options.waitSeconds), ModuleMode::Running,
-                  options, answerJson);
+                  options, {{"answer", answer ? JsonBytes(*answer) : Json()}});
+}
+
+// A file's image is checked against the module's catalog before it goes
+// out; --verify reads the configuration back behind the "OK". Both need the
+// catalog, which is read on the same opening ahead of SETAPPCFG.
+DeviceInfo CatalogForWrite(SerialPort& port, StatusText& status, const DeviceOptions& options,
+                           const std::string& image) {
+    WaitMs(kReadSettleMs);
+    std::string reason;
+    const auto module = ReadModuleCatalog(port, status, reason);
+    if (!module) Fail(kExitCatalogRefused, (reason.empty() ? "" : Latin1ToUtf8(reason) + "\n") +
+                                               "Module do not support info file feature");
+    if (options.file.empty() || options.force) return *module;
+    const FitCheck fit = CheckFit(*module, image);
+    if (fit.Verdict != Fit::Fits)
+        Fail(kExitDoesNotFit, options.file + ": " + fit.Message + "; --force writes it anyway");
+    return *module;
 }
 
 void Write(const DeviceOptions& options) {
-    const std::string data = NormalizeHex(options.hex);
+    const std::string data =
+        options.file.empty() ? NormalizeHex(options.hex) : ReadConfigFile(options.file).Document.Image;
     if (data.empty()) Fail(kExitUsage, "Error! Config was not set\r\nWrong data context!");
     QtSerialPort port;
     ErrorStreamStatus status(options.verbose);
     OpenOrFail(port, options.port, "COMPort Error");
-    WaitMs(kWriteSettleMs);
+    std::optional<DeviceInfo> module;
+    if (!options.file.empty() || options.verify)
+        module = CatalogForWrite(port, status, options, HexToBytes(data));
+    else
+        WaitMs(kWriteSettleMs);
     std::string answer;
     std::optional<PortError> failure;
+    std::optional<VerifyResult> verified;
     try {
         answer = TrimBlanks(TerminalExecute(std::string(cmd::SETAPPCFG) + data, port, status));
+        if (options.verify && answer == cmd::AnswerOK)
+            verified = VerifyWrite(*module, HexToBytes(data),
+                                   TrimBlanks(TerminalExecute(std::string(cmd::GETAPPCFG), port, status)));
     } catch (const PortError& e) {
         failure = e;
     }
     port.SetPortOpen(false);
     const bool written = answer == cmd::AnswerOK;
-    if (options.json)
-        std::cout << "{\"answer\": " << JsonString(answer) << ", \"written\": " << (written ? "true" : "false")
-                  << "}\n";
-    else if (written)
+    if (options.json) {
+        Json json = {{"answer", JsonBytes(answer)}, {"written", written}};
+        if (options.verify) json["verified"] = verified && verified->Holds;
+        PrintJson(json);
+    } else if (written && (!verified || verified->Holds)) {
         std::cout << "Config written successfully!\n";
+    }
     std::cout.flush();
     if (failure) Fail(kExitNoModule, PortErrorText("COMPort Error", *failure));
     if (!written) Fail(kExitNotConfirmed, "Error! Config was not set !\r\nThe module answered: " + answer);
+    if (verified && !verified->Holds) Fail(kExitNotVerified, Latin1ToUtf8(VerifyMessage(*verified)));
 }
 
 CLI::App* AddCommand(CLI::App& app, const char* name, const char* description,
@@ -284,7 +318,14 @@ void AddDeviceCommands(CLI::App& app) {
     CLI::App* write =
         AddCommand(app, "write", "Write a configuration image (hex text) into a module in boot mode", options, Write);
     AddPortOption(write, options);
-    write->add_option("hex", options->hex, "The configuration image as hex text")->required();
+    CLI::Option_group* image = write->add_option_group("image", "The configuration, one of");
+    image->add_option("hex", options->hex, "The configuration image as hex text");
+    image->add_option("--file", options->file,
+                      "A configuration file (*.sbconf); refused when its image does not fit the module");
+    image->require_option(1);
+    write->add_flag("--force", options->force, "Write the file's image even when it does not fit the module");
+    write->add_flag("--verify", options->verify,
+                    "Read the configuration back behind the write and compare it with what was sent");
     write->add_flag("--verbose", options->verbose, "Show the status of each exchange on standard error");
 }
 

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "Commands.h"
-#include "JsonText.h"
+#include "JsonOutput.h"
 #include "ProductionCommands.h"
 #include "SerialChoice.h"
 #include "TerminalLines.h"
@@ -123,26 +123,36 @@ const char* RecordEndName(RecordEnd end) {
     return "";
 }
 
-std::string JsonRecord(const ProductionRecord& r) {
-    return "{\"written\": " + std::string(r.End == RecordEnd::Written ? "true" : "false") +
-           ", \"end\": " + JsonString(RecordEndName(r.End)) + ", \"number\": " + std::to_string(r.Number) +
-           ", \"section\": " + JsonString(r.Section) + ", \"SN\": " + JsonString(r.SN) +
-           ", \"Ver\": " + JsonString(r.Ver) + ", \"Name\": " + JsonString(r.Name) +
-           ", \"Date\": " + JsonString(r.Date) + ", \"UID\": " + JsonString(r.UID) + "}";
+Json JsonRecord(const ProductionRecord& r) {
+    Json out = {{"written", r.End == RecordEnd::Written},
+                {"end", RecordEndName(r.End)},
+                {"number", r.Number},
+                {"section", JsonBytes(r.Section)},
+                {"SN", JsonBytes(r.SN)},
+                {"Ver", JsonBytes(r.Ver)},
+                {"Name", JsonBytes(r.Name)},
+                {"Date", JsonBytes(r.Date)},
+                {"UID", JsonBytes(r.UID)}};
+    if (r.WriteFailure) out["reason"] = JsonBytes(r.WriteFailure.message());
+    return out;
 }
 
-std::string Json(const FlashOptions& options, const UpdateOutcome& outcome, const std::string& iniPath,
+Json JsonOutcome(const FlashOptions& options, const UpdateOutcome& outcome, const std::string& iniPath,
                  const std::vector<std::string>& messages) {
-    std::string out = "{\"end\": " + JsonString(EndName(outcome.End)) + ", \"port\": " + JsonString(options.port) +
-                      ", \"file\": " + JsonString(options.file) + ", \"size\": " + std::to_string(outcome.FileSize) +
-                      ", \"tries\": " + std::to_string(outcome.Tries) +
-                      ", \"programmed\": " + std::to_string(outcome.Result > 0 ? outcome.Result : 0) +
-                      ", \"result\": " + std::to_string(outcome.Result) +
-                      ", \"report\": " + JsonString(outcome.Report) + ", \"messages\": [";
-    for (size_t i = 0; i < messages.size(); ++i) out += (i ? ", " : "") + JsonString(messages[i]);
-    out += "], \"record\": " + (outcome.Record ? JsonRecord(*outcome.Record) : std::string("null"));
-    if (outcome.Record) out += ", \"sniffer_ini\": " + JsonString(iniPath);
-    return out + "}";
+    Json texts = Json::array();
+    for (const std::string& message : messages) texts.push_back(JsonBytes(message));
+    Json out = {{"end", EndName(outcome.End)},
+                {"port", JsonBytes(options.port)},
+                {"file", JsonBytes(options.file)},
+                {"size", outcome.FileSize},
+                {"tries", outcome.Tries},
+                {"programmed", outcome.Result > 0 ? outcome.Result : 0},
+                {"result", outcome.Result},
+                {"report", JsonBytes(outcome.Report)},
+                {"messages", std::move(texts)},
+                {"record", outcome.Record ? JsonRecord(*outcome.Record) : Json()}};
+    if (outcome.Record) out["sniffer_ini"] = JsonBytes(iniPath);
+    return out;
 }
 
 // The exit status of a run, with its reason on standard error.
@@ -163,7 +173,9 @@ int Conclude(const UpdateOutcome& outcome) {
     }
     if (!outcome.Record) return 0;
     if (outcome.Record->End != RecordEnd::Written) {
-        std::cerr << "No production record: " << RecordEndName(outcome.Record->End) << ".\n";
+        std::cerr << "No production record: " << RecordEndName(outcome.Record->End);
+        if (outcome.Record->WriteFailure) std::cerr << " (" << outcome.Record->WriteFailure.message() << ")";
+        std::cerr << ".\n";
         return kExitNotConfirmed;
     }
     return 0;
@@ -211,7 +223,7 @@ void Flash(const FlashOptions& options) {
     const UpdateOutcome outcome = UpdateRun(port, status, hooks).Run(options.production, iniPath);
     progress.EndLine();
     if (options.json) {
-        std::cout << Json(options, outcome, iniPath, messages) << '\n';
+        PrintJson(JsonOutcome(options, outcome, iniPath, messages));
     } else if (outcome.Record && outcome.Record->End == RecordEnd::Written) {
         std::cout << "Production record " << outcome.Record->Section << " written to " << iniPath << '\n';
     }

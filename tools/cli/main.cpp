@@ -43,6 +43,7 @@ int main(int argc, char** argv) {
     sb::cli::AddCatalogCommands(app);
     sb::cli::AddDeviceCommands(app);
     sb::cli::AddFlashCommand(app);
+    sb::cli::AddConfigFileCommands(app);
     sb::cli::AddStationCommand(app);
 
     int status = sb::cli::kExitSuccess;
@@ -54,6 +55,9 @@ int main(int argc, char** argv) {
     } catch (const sb::PortError& failure) {
         std::cerr << sb::cli::TerminalLines(sb::PortErrorText("CommPort Error", failure)) << '\n';
         status = sb::cli::kExitNoModule;
+    } catch (const sb::ConfigFileError& failure) {
+        std::cerr << failure.what() << '\n';
+        status = sb::cli::ExitStatusOf(failure.Fault());
     } catch (const std::exception& failure) {
         // What the command was given could not be taken (an image of more
         // than 32767 hex digits, a path that cannot be read).

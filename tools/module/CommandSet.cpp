@@ -75,7 +75,7 @@ std::string CommandSet::ReportedUid() const {
 // configuration has one length.
 std::string CommandSet::SetConfiguration(const std::string& hex) {
     if (!IsHexImage(hex) || (!profile_.ConfigHex.empty() && hex.size() != profile_.ConfigHex.size())) return kError;
-    imageHex_ = hex;
+    if (!faults_.ignoreConfigWrites) imageHex_ = hex;
     std::transform(imageHex_.begin(), imageHex_.end(), imageHex_.begin(),
                    [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
     return faults_.lowerCaseOk ? "ok" : "OK";

@@ -24,6 +24,7 @@ struct AnswerFaults {
     bool errorAll = false;          // "Error!" to every command
     std::set<std::string> errorOn;  // "Error!" to these commands
     bool lowerCaseOk = false;       // "ok" to SETAPPCFG
+    bool ignoreConfigWrites = false;  // SETAPPCFG answers as usual but the image stays as it was
     bool wrongUid = false;          // GETUID differs from the UID CLROTP checks
     int uidLength = -1;             // GETUID cut or filled to this many characters
     bool catalogBroken = false;     // GETINFOFILE serves the first half of the catalog

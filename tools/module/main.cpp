@@ -119,6 +119,8 @@ void AddFaultOptions(CLI::App& app, sb::module::ModuleFaults& f, std::deque<Esca
     flag("--no-lf", f.framing.noLineFeed, "No LF behind the echo's CR");
     text("--after-prompt", f.framing.afterPrompt, "Send TEXT behind the prompt");
     flag("--lowercase-ok", f.answers.lowerCaseOk, "Answer \"ok\" to SETAPPCFG");
+    flag("--ignore-config-writes", f.answers.ignoreConfigWrites,
+         "Answer SETAPPCFG as usual but keep the configuration it had");
     flag("--error-all", f.answers.errorAll, "Answer \"Error!\" to every command");
     app.add_option("--error-on", f.answers.errorOn, "Answer \"Error!\" to COMMAND, e.g. GETSN; may be repeated")
         ->type_name("COMMAND")
