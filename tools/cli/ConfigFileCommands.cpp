@@ -3,6 +3,7 @@
 #include <string>
 
 #include "Commands.h"
+#include "SerialChoice.h"
 #include "JsonOutput.h"
 #include "ModuleConfig.h"
 #include "TerminalLines.h"
@@ -75,7 +76,8 @@ Side SideOf(const std::string& file, const std::string& port) {
 // one file.
 void Diff(const FileOptions& options, const CLI::App& command) {
     const bool portFirst = !options.port.empty() && !command.parse_order().empty() &&
-                           command.parse_order().front()->get_name() == "--port";
+                           (command.parse_order().front()->get_name() == "--port" ||
+                            command.parse_order().front()->get_name() == "--serial");
     if (options.files.size() != (options.port.empty() ? 2u : 1u))
         Fail(kExitUsage, "diff compares two configurations: two files, or one file and --port");
     const std::string& first = options.files.front();
@@ -112,7 +114,7 @@ std::optional<DeviceInfo> ReadModuleCatalog(SerialPort& port, StatusText& status
 void AddConfigFileCommands(CLI::App& app) {
     auto saveOptions = std::make_shared<FileOptions>();
     CLI::App* save = app.add_subcommand("save", "Read a module in boot mode and keep its configuration in a file");
-    save->add_option("--port", saveOptions->port, "A port name as 'ports' lists it, or a device path")->required();
+    AddPortOrSerial(save, saveOptions->port, WantedMode::Boot);
     save->add_option("file", saveOptions->files, "The configuration file to write (*.sbconf)")->required()->expected(1);
     save->callback([saveOptions] { Save(*saveOptions); });
 
@@ -120,7 +122,8 @@ void AddConfigFileCommands(CLI::App& app) {
     CLI::App* diff = app.add_subcommand(
         "diff", "Compare two configurations option by option; --port P stands for the module as it is now");
     diff->add_option("files", diffOptions->files, "A and B: configuration files (*.sbconf)")->expected(1, 2);
-    diff->add_option("--port", diffOptions->port, "Read the module on this port as A (before the file) or B");
+    // --port (or --serial) reads the module as A when it stands before the file, else as B.
+    AddPortOrSerial(diff, diffOptions->port, WantedMode::Boot, nullptr, PortNeed::Optional);
     diff->add_flag("--json", diffOptions->json, "Print the result as one JSON object");
     diff->callback([diffOptions, diff] { Diff(*diffOptions, *diff); });
 }

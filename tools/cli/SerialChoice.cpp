@@ -67,7 +67,7 @@ bool ParseIsComplete(const CLI::App* command) {
 
 }  // namespace
 
-void AddPortOrSerial(CLI::App* command, std::string& port, WantedMode wanted, CLI::Option* instead) {
+void AddPortOrSerial(CLI::App* command, std::string& port, WantedMode wanted, CLI::Option* instead, PortNeed need) {
     auto serial = std::make_shared<std::string>();
     CLI::Option* byPort = command->add_option("--port", port, "A port name as 'ports' lists it, or a device path");
     CLI::Option* bySerial = command->add_option(
@@ -77,7 +77,10 @@ void AddPortOrSerial(CLI::App* command, std::string& port, WantedMode wanted, CL
     if (instead) instead->excludes(byPort)->excludes(bySerial);
     command->parse_complete_callback([=, &port] {
         if (instead && instead->count() > 0) return;
-        if (byPort->count() + bySerial->count() == 0) throw CLI::RequiredError("--port or --serial");
+        if (byPort->count() + bySerial->count() == 0) {
+            if (need == PortNeed::Optional) return;
+            throw CLI::RequiredError("--port or --serial");
+        }
         if (bySerial->count() == 0 || !ParseIsComplete(command)) return;
         const ListedModule module = TheOneModule(*serial);
         port = wanted == WantedMode::Boot && module.Mode == ModuleMode::Running ? IntoBootLoader(module) : module.Port;

@@ -13,8 +13,12 @@ enum class WantedMode {
     Any,   // the module as it is found (boot)
 };
 
-// Adds --port and --serial to command, one of them required unless `instead`
-// (an option such as --all) is given; the port of the module ends up in port.
-void AddPortOrSerial(CLI::App* command, std::string& port, WantedMode wanted, CLI::Option* instead = nullptr);
+enum class PortNeed { Required, Optional };
+
+// Adds --port and --serial to command, one of them required (unless `need`
+// is Optional, or `instead`, an option such as --all, is given); the port of
+// the module ends up in port.
+void AddPortOrSerial(CLI::App* command, std::string& port, WantedMode wanted, CLI::Option* instead = nullptr,
+                     PortNeed need = PortNeed::Required);
 
 }  // namespace sb::cli
