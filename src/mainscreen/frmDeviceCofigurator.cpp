@@ -10,6 +10,7 @@
 #include "helpers/HexText.h"
 #include "link/QtSerialPort.h"
 #include "mainscreen/ConfigOptionsFile.h"
+#include "mainscreen/HelpMenu.h"
 #include "mainscreen/UpdateScreens.h"
 #include "ui/Guarded.h"
 #include "ui/Named.h"
@@ -113,6 +114,7 @@ void frmDeviceCofigurator::BuildControls() {
     mnuEditor = Named(mnuTools->addAction(QStringLiteral("Data Base Viewer/Editor")), "mnuEditor");
     mnuTools->addSeparator();
     mnuOfflineRead = Named(mnuTools->addAction(QStringLiteral("Read info from ConfigOptions.xml")), "mnuOfflineRead");
+    AddHelpMenu(*this);
 
     StatusBar = Named(statusBar(), "StatusBar");
     status_ = std::make_unique<StatusBarText>(*StatusBar);
