@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs every Debian package the project needs that is not there yet.
+# Installs every Debian package the project needs that is not there yet, and
+# the packages named as arguments (scripts/package.sh names its own).
 set -euo pipefail
 
 packages=(
@@ -11,6 +12,7 @@ packages=(
   clang libclang-rt-14-dev
   lrzsz socat xvfb xauth x11-apps imagemagick
 )
+packages+=("$@")
 
 missing=()
 for p in "${packages[@]}"; do

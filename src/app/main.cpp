@@ -1,7 +1,9 @@
 // servicebay: the window program. It starts with frmDeviceCofigurator and
 // ends when that form is closed.
 #include <QApplication>
-#include <QStringList>
+#include <QCommandLineParser>
+
+#include "ProgramVersion.h"
 
 #include "app/DemoScreenshots.h"
 #include "helpers/Waiting.h"
@@ -14,6 +16,17 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("servicebay"));
     // The title of every message box.
     QApplication::setApplicationDisplayName(QStringLiteral("ServiceBay"));
+    QApplication::setApplicationVersion(QString::fromLatin1(sb::kProgramVersion));
+
+    QCommandLineParser options;
+    options.setApplicationDescription(QStringLiteral("ServiceBay: service tool for the vehicle electronics module"));
+    options.addHelpOption();
+    options.addVersionOption();
+    // Not for the technician: the screenshots of the documentation.
+    QCommandLineOption demo(QStringLiteral("demo-screenshots"), QString(), QStringLiteral("FOLDER"));
+    demo.setFlags(QCommandLineOption::HiddenFromHelp);
+    options.addOption(demo);
+    options.process(app);
     // The program ends with the unload of the main screen, which may wait
     // for a running action first.
     QApplication::setQuitOnLastWindowClosed(false);
@@ -30,11 +43,8 @@ int main(int argc, char** argv) {
                          Qt::QueuedConnection);
         form.show();
 
-        // Not for the technician: the screenshots of the documentation.
-        const QStringList arguments = QApplication::arguments();
-        const qsizetype demo = arguments.indexOf(QStringLiteral("--demo-screenshots"));
-        if (demo > 0 && demo + 1 < arguments.size())
-            status = sb::ui::TakeDemoScreenshots(form, arguments.at(demo + 1));
+        if (options.isSet(demo))
+            status = sb::ui::TakeDemoScreenshots(form, options.value(demo));
         else
             status = QApplication::exec();
     }

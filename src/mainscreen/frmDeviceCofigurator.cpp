@@ -10,6 +10,7 @@
 #include "helpers/HexText.h"
 #include "link/QtSerialPort.h"
 #include "mainscreen/ConfigOptionsFile.h"
+#include "mainscreen/HelpMenu.h"
 #include "mainscreen/UpdateScreens.h"
 #include "ui/Guarded.h"
 #include "ui/Named.h"
@@ -114,6 +115,7 @@ void frmDeviceCofigurator::BuildControls() {
     mnuTools->addSeparator();
     mnuOfflineRead = Named(mnuTools->addAction(QStringLiteral("Read info from ConfigOptions.xml")), "mnuOfflineRead");
     AddConfigFileMenus();
+    AddHelpMenu(*this);
 
     StatusBar = Named(statusBar(), "StatusBar");
     status_ = std::make_unique<StatusBarText>(*StatusBar);

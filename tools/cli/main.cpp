@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Commands.h"
+#include "ProgramVersion.h"
 #include "TerminalLines.h"
 #include "link/PortErrorText.h"
 #include "ui/QtWaitContext.h"
@@ -38,6 +39,7 @@ int main(int argc, char** argv) {
     sb::SetWaitContext(&waits);
 
     CLI::App app{"servicebay-cli: read, configure and program the module from scripts"};
+    app.set_version_flag("--version", std::string("servicebay-cli ") + sb::kProgramVersion);
     app.require_subcommand(1);
     app.footer(ExitStatusFooter());
     sb::cli::AddCatalogCommands(app);

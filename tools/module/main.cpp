@@ -7,6 +7,7 @@
 #include <iostream>
 
 #include "EscapedText.h"
+#include "ProgramVersion.h"
 #include "VirtualModule.h"
 
 // servicebay-module: a virtual module on a pseudo-terminal, for tests,
@@ -150,6 +151,7 @@ int main(int argc, char** argv) {
 
     CLI::App app{kDescription, "servicebay-module"};
     app.footer(kFooter);
+    app.set_version_flag("--version", std::string("servicebay-module ") + sb::kProgramVersion);
     AddModuleOptions(app, settings, profilePath, xmodem, firmwareOut);
     AddFaultOptions(app, settings.faults, texts);
     try {

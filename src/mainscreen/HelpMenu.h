@@ -1,0 +1,10 @@
+#pragma once
+#include <QMainWindow>
+
+namespace sb::ui {
+
+// The menu "Help" with "About ServiceBay": the program's version and its
+// license, for the technician who reports a fault.
+void AddHelpMenu(QMainWindow& window);
+
+}  // namespace sb::ui
