@@ -9,13 +9,13 @@
 
 namespace sb::test {
 
-// A folder of its own for each test, removed at its end.
+// A folder of its own for each test (and each suffix), removed at its end.
 class TempFolder {
 public:
-    TempFolder() {
+    explicit TempFolder(const std::string& suffix = "") {
         const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
         path_ = std::filesystem::temp_directory_path() / ("servicebay-" + std::string(info->test_suite_name()) + "-" +
-                                                          info->name() + "-" + std::to_string(::getpid()));
+                                                          info->name() + "-" + std::to_string(::getpid()) + suffix);
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
     }

@@ -1,8 +1,9 @@
 #pragma once
-#include <QProcess>
-#include <QTemporaryDir>
 #include <string>
 #include <vector>
+
+#include "../editing/TestCatalog.h"
+#include "../tools/ModuleProcess.h"
 
 namespace sb::test {
 
@@ -12,19 +13,30 @@ namespace sb::test {
 class VirtualModule {
 public:
     // faults: switches of servicebay-module, such as "--silent".
-    explicit VirtualModule(const std::vector<std::string>& faults = {});
-    ~VirtualModule();
-    VirtualModule(const VirtualModule&) = delete;
-    VirtualModule& operator=(const VirtualModule&) = delete;
+    explicit VirtualModule(const std::vector<std::string>& faults = {}) : module_(folder_, Arguments(faults)) {
+        if (module_.Device().empty()) throw std::runtime_error("servicebay-module did not start");
+    }
 
-    const std::string& Device() const { return device_; }
     // A line of the module's state file, such as AppConfig.
-    std::string State(const std::string& key) const;
+    std::string State(const std::string& key) const { return module_.State(key); }
 
 private:
-    QTemporaryDir dir_;
-    QProcess process_;
-    std::string device_;
+    std::vector<std::string> Arguments(const std::vector<std::string>& faults) const {
+        TempFolder::Write(folder_.File("catalog.xml"), kTestCatalog);
+        TempFolder::Write(folder_.File("module.profile"),
+                          "GETSN = SN0042\nGETVER = 1.2.3\nGETNAME = Test module\nGETPDATE = 01.02.2024\n"
+                          "GETVIN = VIN0000000000042\nGETAPPNAME = TESTAPP\nGETAPPVER = 4.5.6\nGETHWVER = HW 7\n"
+                          "GETAPPINFO = \"  first line\\r\\nsecond line\"\nGETUID = 0123456789ABCDEF\n"
+                          "GETAPPCFG = " + std::string(kModuleImage) + "\nCatalogFile = catalog.xml\n");
+        // The screens find the module through this folder.
+        ::setenv("SERVICEBAY_REGISTRY", folder_.File("registry").c_str(), 1);
+        std::vector<std::string> args = {"--profile", folder_.File("module.profile"), "--boot"};
+        args.insert(args.end(), faults.begin(), faults.end());
+        return args;
+    }
+
+    TempFolder folder_{"-module"};
+    ModuleProcess module_;
 };
 
 }  // namespace sb::test

@@ -1,35 +1,19 @@
 #pragma once
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "../helpers/TempFolder.h"
+#include "../link/PtyPair.h"
 
 // servicebay-module of this build as a child process of the test, and the
 // device it offers as a test opens it: plain termios, no Qt.
 namespace sb::test {
-
-using Clock = std::chrono::steady_clock;
-
-inline long MsSince(Clock::time_point start) {
-    return static_cast<long>(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count());
-}
-
-// Waits up to timeoutMs, looking every 10 ms, for the condition to hold.
-template <typename Condition>
-bool Eventually(Condition condition, long timeoutMs = 5000) {
-    for (const auto start = Clock::now(); !condition(); std::this_thread::sleep_for(std::chrono::milliseconds(10)))
-        if (MsSince(start) > timeoutMs) return false;
-    return true;
-}
 
 // The module's device, opened by the test as a serial port is opened.
 class DeviceLine {
@@ -49,13 +33,7 @@ public:
 
     int Fd() const { return fd_; }
 
-    void Send(const std::string& bytes) const {
-        for (size_t done = 0; done < bytes.size();) {
-            const ssize_t n = ::write(fd_, bytes.data() + done, bytes.size() - done);
-            if (n > 0) done += static_cast<size_t>(n);
-            if (n <= 0) Wait(POLLOUT, 50);
-        }
-    }
+    void Send(const std::string& bytes) const { WriteAll(fd_, bytes); }
 
     // What comes within timeoutMs, up to `enough` bytes and never more, so
     // that what a next step expects stays on the line.
@@ -66,17 +44,12 @@ public:
             const ssize_t n = ::read(fd_, chunk, std::min(sizeof chunk, enough - got.size()));
             if (n > 0) got.append(chunk, static_cast<size_t>(n));
             if (n < 0 && errno != EAGAIN) break;  // the device has gone
-            if (n <= 0) Wait(POLLIN, 10);
+            if (n <= 0) WaitFor(fd_, POLLIN, 10);
         }
         return got;
     }
 
 private:
-    void Wait(short events, int ms) const {
-        pollfd p{fd_, events, 0};
-        ::poll(&p, 1, ms);
-    }
-
     int fd_ = -1;
 };
 
@@ -116,8 +89,8 @@ public:
     const std::string& LinkPath() const { return linkPath_; }
 
     // The device the module appears as next, by its state file; empty when
-    // none comes in time.
-    std::string NextDevice(long timeoutMs = 5000) {
+    // none comes in time (a first start on a loaded machine may be slow).
+    std::string NextDevice(long timeoutMs = 20000) {
         std::string device;
         if (!Eventually([&] { return !(device = State("Device")).empty() && device != last_; }, timeoutMs)) return "";
         return last_ = device;
@@ -135,24 +108,18 @@ public:
         return Eventually([&] { return State(key) == value; }, timeoutMs);
     }
 
-    // The exit status, or -1 when it has not ended in time.
-    int WaitForExit(long timeoutMs = 5000) {
+    // Ends the module with SIGTERM (SIGKILL after 5 s); its exit status, or -1.
+    int Stop() {
         int raw = 0;
-        if (pid_ <= 0 || !Eventually([&] { return ::waitpid(pid_, &raw, WNOHANG) == pid_; }, timeoutMs)) return -1;
-        pid_ = -1;
-        return WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
-    }
-
-    int Stop(int signal = SIGTERM) {
         if (pid_ <= 0) return -1;
-        ::kill(pid_, signal);
-        const int status = WaitForExit();
-        if (pid_ > 0) {
+        ::kill(pid_, SIGTERM);
+        const bool ended = Eventually([&] { return ::waitpid(pid_, &raw, WNOHANG) == pid_; });
+        if (!ended) {
             ::kill(pid_, SIGKILL);
             ::waitpid(pid_, nullptr, 0);
-            pid_ = -1;
         }
-        return status;
+        pid_ = -1;
+        return !ended ? -1 : WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
     }
 
 private:

@@ -1,13 +1,7 @@
 #pragma once
-#include <poll.h>
-#include <termios.h>
-#include <unistd.h>
-
 #include <atomic>
-#include <chrono>
 #include <functional>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -19,8 +13,8 @@ namespace sb::test {
 
 // The far end of a pseudo-terminal, played by a thread of the test: it
 // answers each line that ends in CR with the pieces a script gives, and
-// notes every opening of the slave with the speed it was set to, how long it
-// was held and what was written during it. It stands in for a module where
+// notes every opening of the slave with the speed it was set to and what
+// was written during it. It stands in for a module where
 // a test needs a module that misbehaves in one exact way.
 class PtyPeer {
 public:
@@ -34,7 +28,6 @@ public:
 
     struct Opening {
         speed_t speed = B0;
-        long heldMs = 0;
         std::string received;
     };
 
@@ -49,39 +42,31 @@ public:
     const std::string& SlavePath() const { return pty_.SlavePath(); }
     void Vanish() { vanish_ = true; }
 
-    // The openings that have ended; waits up to 5 s for `expected` of them,
-    // since the peer looks every few milliseconds.
+    // The openings that have ended; waits up to 5 s for `expected` of them.
     std::vector<Opening> Openings(std::size_t expected = 1) {
-        for (int waited = 0;; waited += 5) {
-            {
-                std::lock_guard<std::mutex> lock(mutex_);
-                if (openings_.size() >= expected || waited > 5000) return openings_;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
+        Eventually([&] {
+            std::lock_guard<std::mutex> lock(mutex_);
+            return openings_.size() >= expected;
+        });
+        std::lock_guard<std::mutex> lock(mutex_);
+        return openings_;
     }
 
 private:
-    using Clock = std::chrono::steady_clock;
-
     void Serve() {
-        std::optional<Clock::time_point> openedAt;
+        bool open = false;
         Opening current;
         std::string pending;
         while (!stop_ && !vanish_) {
             pollfd p{pty_.MasterFd(), POLLIN, 0};
             ::poll(&p, 1, 5);
             const bool hungUp = (p.revents & POLLHUP) != 0;
-            if (openedAt && hungUp) {
-                current.heldMs = static_cast<long>(
-                    std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - *openedAt).count());
+            if (open && hungUp) {
                 std::lock_guard<std::mutex> lock(mutex_);
                 openings_.push_back(std::exchange(current, Opening{}));
-                openedAt.reset();
-            } else if (!openedAt && !hungUp) {
-                openedAt = Clock::now();
             }
-            if (!openedAt) {
+            open = !hungUp;
+            if (!open) {
                 std::this_thread::sleep_for(std::chrono::milliseconds(5));
                 continue;
             }

@@ -32,15 +32,9 @@ Chooser Pick(const std::string& folder, const std::string& name, const char* but
     };
 }
 
-struct Place {
-    std::string dir, drive, path;
-    bool operator==(const Place&) const = default;
-    friend std::ostream& operator<<(std::ostream& out, const Place& p) {
-        return out << p.dir << " " << p.drive << " " << p.path;
-    }
-};
-Place PlaceOf(ui::frmFileCtrl& chooser) {
-    return {chooser.Dir1->Path(), chooser.Drive1->Drive(), chooser.File1->Path()};
+// Folder, drive and file list's folder, as "dir drive path".
+std::string PlaceOf(ui::frmFileCtrl& chooser) {
+    return chooser.Dir1->Path() + " " + chooser.Drive1->Drive() + " " + chooser.File1->Path();
 }
 
 // A stick in the test's folder is the one drive besides "/".
@@ -59,11 +53,8 @@ protected:
     }
 
     std::string Stick() const { return folder.File("stick"); }
-    Place Stored() const {
-        const auto key = [this](const char* name) {
-            return IniReadValue("FRMLOAD", name, "-", folder.File("sniffer.ini"));
-        };
-        return {key("DIR"), key("DRIVE"), key("PATH")};
+    std::string Stored(const char* key) const {
+        return IniReadValue("FRMLOAD", key, "-", folder.File("sniffer.ini"));
     }
 
     // One opening of the update screen, worked by work.
@@ -96,9 +87,9 @@ protected:
 
 TEST_F(UpdateScreens, TheChooserOpensAtTheProgramFirstThenWhereItEnded) {
     const std::string program = ProgramDirectory();
-    Place first, second;
+    std::string first, second;
     WithTarnlift([&](ui::frmTarnlift& screen) {
-        const auto noteAnd = [](Place& place, const char* button) {
+        const auto noteAnd = [](std::string& place, const char* button) {
             return [&place, button](ui::frmFileCtrl& chooser) {
                 place = PlaceOf(chooser);
                 Click(chooser, button);
@@ -112,10 +103,10 @@ TEST_F(UpdateScreens, TheChooserOpensAtTheProgramFirstThenWhereItEnded) {
         // Cancel after a click clears the file chosen before.
         EXPECT_EQ(Chosen(screen, Pick(Stick(), "fw.cod", "cmdCancel")), "");
     });
-    EXPECT_EQ(first, (Place{program, "/", program}));
+    EXPECT_EQ(first, program + " / " + program);
     // The drive is the mount point that holds the folder.
-    EXPECT_EQ(second, (Place{Stick(), Stick(), Stick()}));
-    EXPECT_EQ(Stored(), second);
+    EXPECT_EQ(second, Stick() + " " + Stick() + " " + Stick());
+    EXPECT_EQ(Stored("DIR") + " " + Stored("DRIVE") + " " + Stored("PATH"), second);
 }
 
 TEST_F(UpdateScreens, APlaceThatIsGoneFallsBackToTheProgramWithoutAWord) {
@@ -123,11 +114,11 @@ TEST_F(UpdateScreens, APlaceThatIsGoneFallsBackToTheProgramWithoutAWord) {
     TempFolder::Write(folder.File("sniffer.ini"), "[FRMLOAD]\r\nDIR=" + folder.File("gone") + "\r\nDRIVE=/\r\n");
     WithTarnlift([&](ui::frmTarnlift& screen) {
         const std::string chosen = Chosen(screen, [&](ui::frmFileCtrl& chooser) {
-            EXPECT_EQ(PlaceOf(chooser), (Place{program, "/", program}));
+            EXPECT_EQ(PlaceOf(chooser), program + " / " + program);
             // The stick is pulled while its drive is still listed, then picked.
             std::filesystem::remove_all(Stick());
             QTest::keyClick(chooser.Drive1, Qt::Key_Down);
-            EXPECT_EQ(PlaceOf(chooser), (Place{program, "/", program}));
+            EXPECT_EQ(PlaceOf(chooser), program + " / " + program);
             Pick(folder.Path(), "")(chooser);
         });
         EXPECT_EQ(chosen, folder.Path().string());
@@ -164,7 +155,7 @@ TEST_F(UpdateScreens, TheChooserListsFoldersAndTheFilesOfItsPattern) {
     // The close box cancels and unloads at once, which remembers the place.
     chooser.close();
     EXPECT_EQ(chooser.txtSelFile->text(), "");
-    EXPECT_EQ(Stored().dir, Stick() + "/older");
+    EXPECT_EQ(Stored("DIR"), Stick() + "/older");
 }
 
 TEST_F(UpdateScreens, ShiftAloneAtTheUpdateAddsTheProductionRecordOfTheDownload) {
