@@ -2,9 +2,9 @@
 // window; closing unloads the program's other forms, and the program ends.
 #include <QCloseEvent>
 
+#include "helpers/QuietStep.h"
 #include "mainscreen/UpdateScreens.h"
 #include "mainscreen/frmDeviceCofigurator.h"
-#include "ui/Guarded.h"
 
 namespace sb::ui {
 
@@ -49,8 +49,8 @@ void frmDeviceCofigurator::Unload() {
     if (unloaded_) return;
     unloaded_ = true;
     const UpdateScreens& screens = CurrentUpdateScreens();
-    if (screens.UnloadFileCtrl) Skipping(screens.UnloadFileCtrl);
-    if (screens.UnloadTarnlift) Skipping(screens.UnloadTarnlift);
+    if (screens.UnloadFileCtrl) QuietStep(screens.UnloadFileCtrl);
+    if (screens.UnloadTarnlift) QuietStep(screens.UnloadTarnlift);
     editForms_.Unload();
     portControl_.reset();
     emit unloaded();

@@ -3,12 +3,12 @@
 #include "config/Catalog.h"
 #include "editing/ConfigList.h"
 #include "helpers/HexText.h"
+#include "helpers/QuietStep.h"
 #include "helpers/Waiting.h"
 #include "link/PortErrorText.h"
 #include "link/PortLists.h"
 #include "link/ReadModule.h"
 #include "mainscreen/frmDeviceCofigurator.h"
-#include "ui/Guarded.h"
 #include "ui/Latin1.h"
 #include "ui/MessageBox.h"
 #include "ui/ModalDialog.h"
@@ -34,7 +34,7 @@ void frmDeviceCofigurator::cmdRdDevInfo_Click() {
     cmdRdDevInfo->setEnabled(false);
     cmdFWUpdate->setEnabled(false);
     // Cancel and "Not Found" end the run without a word.
-    if (OpenChosenPort(kCommPortError, nullptr)) Skipping([this] { ReadOpenModule(); });
+    if (OpenChosenPort(kCommPortError, nullptr)) QuietStep([this] { ReadOpenModule(); });
     ClosePortQuietly();
     cmdRdDevInfo->setEnabled(true);
     cmdFWUpdate->setEnabled(true);

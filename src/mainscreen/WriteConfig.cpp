@@ -1,12 +1,12 @@
 // "Write": the configuration in txtCfgEdited goes to a module chosen anew.
 #include "helpers/HexText.h"
+#include "helpers/QuietStep.h"
 #include "helpers/TrimBlanks.h"
 #include "helpers/Waiting.h"
 #include "link/CommandSet.h"
 #include "link/SkipOnPortError.h"
 #include "link/Terminal.h"
 #include "mainscreen/frmDeviceCofigurator.h"
-#include "ui/Guarded.h"
 #include "ui/MessageBox.h"
 
 namespace sb::ui {
@@ -27,7 +27,7 @@ void frmDeviceCofigurator::cmdWriteConfig_Click() {
     // The whole form is locked: only the selection dialog and the message
     // boxes take input meanwhile.
     setEnabled(false);
-    if (OpenChosenPort(kComPortError, kNoBootDevice)) Skipping([this] {
+    if (OpenChosenPort(kComPortError, kNoBootDevice)) QuietStep([this] {
         WaitMs(kBeforeCommandMs);
         WriteToOpenModule();
     });

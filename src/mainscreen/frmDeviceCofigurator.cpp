@@ -8,6 +8,7 @@
 #include <QValidator>
 
 #include "helpers/HexText.h"
+#include "helpers/QuietStep.h"
 #include "link/QtSerialPort.h"
 #include "mainscreen/ConfigOptionsFile.h"
 #include "mainscreen/HelpMenu.h"
@@ -200,7 +201,7 @@ void frmDeviceCofigurator::ConnectEvents() {
 }
 
 bool frmDeviceCofigurator::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == cmbConfigList && event->type() == QEvent::FocusOut) Skipping([this] { cmbConfigList_Validate(); });
+    if (watched == cmbConfigList && event->type() == QEvent::FocusOut) QuietStep([this] { cmbConfigList_Validate(); });
     return QMainWindow::eventFilter(watched, event);
 }
 

@@ -21,14 +21,4 @@ auto Guarded(Handler handler) {
     };
 }
 
-// One step of an action once its port is open: a failing step is skipped,
-// and the action goes on with the next.
-template <class Step>
-void Skipping(Step&& step) noexcept {
-    try {
-        std::forward<Step>(step)();
-    } catch (...) {
-    }
-}
-
 }  // namespace sb::ui

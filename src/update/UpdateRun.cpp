@@ -9,7 +9,7 @@
 #include "link/CommandSet.h"
 #include "link/PortLists.h"
 #include "link/SkipOnPortError.h"
-#include "update/QuietStep.h"
+#include "helpers/QuietStep.h"
 #include "update/SignText.h"
 
 namespace sb {

@@ -10,7 +10,7 @@
 #include "update/ChooserPlace.h"
 #include "update/FolderListing.h"
 #include "update/PathText.h"
-#include "update/QuietStep.h"
+#include "helpers/QuietStep.h"
 #include "update/SnifferIni.h"
 
 namespace sb::ui {

@@ -9,7 +9,7 @@
 #include "ui/ModalDialog.h"
 #include "ui/ShowOnly.h"
 #include "update/PathText.h"
-#include "update/QuietStep.h"
+#include "helpers/QuietStep.h"
 #include "update/SnifferIni.h"
 #include "update/UpdateForms.h"
 
