@@ -54,7 +54,7 @@ TEST_F(PortControl, ShowsTheScanAndHandsOutThePickedBootPort) {
     EXPECT_EQ(form.txtSelPort->text(), "ttyACM2");
     form.cmbUSBBootList->setCurrentIndex(1);
     emit form.cmbUSBBootList->activated(1);
-    EXPECT_EQ(form.cmbUSBBootList->toolTip(), "Boot B");
+    EXPECT_EQ(form.cmbUSBBootList->toolTip() + " " + form.txtSelPort->text(), "Boot B /dev/pts/7");
     EXPECT_EQ(Choose([&form] {
                   form.cmdScan->click();
                   form.cmdSelect->click();
