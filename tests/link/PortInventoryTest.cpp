@@ -5,7 +5,7 @@
 #include "../helpers/TempFolder.h"
 #include "ListedInventory.h"
 #include "link/ModuleRegistry.h"
-#include "link/PortLists.h"
+#include "link/PortInventory.h"
 
 // The registry folder through which virtual modules reach the port lists,
 // and the inventory that merges them with the system's ports.
@@ -68,26 +68,23 @@ TEST_F(Registry, EachSourceOfTheMergedInventoryFailsOnItsOwn) {
     sources.emplace_back(system);
     sources.emplace_back(std::make_unique<RegistryInventory>());
     MergedInventory merged(std::move(sources));
-    std::vector<std::string> reports;
-    const auto bootList = [&] {
-        const auto lists = ScanPortLists({}, merged, [&](const std::string& text) { reports.push_back(text); });
-        std::vector<std::string> texts;
-        for (const auto& item : lists.BootList.Items) texts.push_back(item.Text);
-        return texts;
+    const auto walk = [&merged] {
+        std::vector<std::string> seen;
+        merged.Connect();
+        merged.Walk([&seen](const InventoryPort& port) { seen.push_back(port.DeviceID + " " + port.Description); });
+        return seen;
     };
 
     // The system's walk breaks off behind its first port; the registry's goes on.
     system->breakAt = 1;
-    EXPECT_EQ(bootList(), (std::vector<std::string>{"ttyACM2", "/dev/null"}));
-    // A registry that cannot be read hides nothing of the system, and says nothing.
+    EXPECT_EQ(walk(), (std::vector<std::string>{"ttyACM2 Boot A", "/dev/null Virtual"}));
+    // A registry that cannot be read hides nothing of the system.
     std::filesystem::remove_all(folder);
     TempFolder::Write(folder, "not a folder");
-    EXPECT_EQ(bootList(), std::vector<std::string>{"ttyACM2"});
-    EXPECT_TRUE(reports.empty());
-    // The system's inventory alone has the report.
+    EXPECT_EQ(walk(), std::vector<std::string>{"ttyACM2 Boot A"});
+    // The system's inventory alone fails the connection.
     system->refuse = true;
-    EXPECT_EQ(bootList(), std::vector<std::string>{"Not Found"});
-    EXPECT_EQ(reports.size(), 1u);
+    EXPECT_THROW(merged.Connect(), InventoryError);
 }
 
 }  // namespace

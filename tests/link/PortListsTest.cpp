@@ -6,97 +6,77 @@
 namespace sb::test {
 namespace {
 
-std::vector<std::string> Texts(const PortList& list) {
-    std::vector<std::string> texts;
+using Texts = std::vector<std::string>;
+
+Texts TextsOf(const PortList& list) {
+    Texts texts;
     for (const auto& item : list.Items) texts.push_back(item.Text);
     return texts;
 }
 
-PortListState Scan(const PortListState& before, ListedInventory& inventory,
-                   std::vector<std::string>* reports = nullptr) {
-    return ScanPortLists(before, inventory, [reports](const std::string& text) {
-        if (reports) reports->push_back(text);
-        if (!reports) ADD_FAILURE() << "unexpected report: " << text;
-    });
+PortListState Scan(const PortListState& before, ListedInventory& inventory, Texts& reports) {
+    return ScanPortLists(before, inventory, [&reports](const std::string& text) { reports.push_back(text); });
 }
 
 TEST(ModeOfPort, TellsTheTwoIdentitiesCaseSensitivelyRunningFirst) {
+    using enum ModuleMode;
     const std::pair<const char*, ModuleMode> cases[] = {
-        {"USB\\VID_C252&PID_1700\\X", ModuleMode::Running},
-        {"USB\\VID_C252&PID_17AB", ModuleMode::Running},
-        {"USB\\VID_C252&PID_1800\\X", ModuleMode::None},
-        {"USB\\VID_0483&PID_5740\\X", ModuleMode::Boot},
-        {"usb\\vid_0483&pid_5740\\x", ModuleMode::None},
-        {"USB\\VID_0483&PID_574\\X", ModuleMode::None},
-        {"VID_0483&PID_5740 VID_C252&PID_17", ModuleMode::Running},
-    };
+        {"USB\\VID_C252&PID_1700\\X", Running}, {"USB\\VID_C252&PID_17AB", Running},
+        {"USB\\VID_C252&PID_1800\\X", None},    {"USB\\VID_0483&PID_5740\\X", Boot},
+        {"usb\\vid_0483&pid_5740\\x", None},    {"USB\\VID_0483&PID_574\\X", None},
+        {"VID_0483&PID_5740 VID_C252&PID_17", Running}};
     for (const auto& [id, mode] : cases) EXPECT_EQ(ModeOfPort(id), mode) << id;
 }
 
-TEST(ScanPortLists, SortsPortsIntoTheTwoListsInTheOrderTheInventoryGivesThem) {
-    ListedInventory inventory({kBootB, kRunningA, kOther, kBootA, kRunningB});
-    const auto lists = Scan({}, inventory);
-    EXPECT_EQ(Texts(lists.DevList), (std::vector<std::string>{"ttyACM0", "ttyACM1"}));
-    EXPECT_EQ(Texts(lists.BootList), (std::vector<std::string>{"/dev/pts/7", "ttyACM2"}));
-    EXPECT_EQ(lists.BootList.Items[1].Port, "ttyACM2");
-    EXPECT_EQ(lists.BootList.Items[1].Info, "Boot A");
-    EXPECT_EQ(lists.DevList.Selected, 0);
-    EXPECT_EQ(lists.BootList.Selected, 0);
-    EXPECT_EQ(lists.SelPort, "/dev/pts/7");
-}
-
-TEST(ScanPortLists, PutsNotFoundIntoAListWithoutPorts) {
-    ListedInventory inventory({kOther});
-    const auto lists = Scan({}, inventory);
-    for (const PortList* list : {&lists.DevList, &lists.BootList}) {
-        ASSERT_EQ(list->Items.size(), 1u);
-        EXPECT_EQ(list->Items[0].Text + "|" + list->Items[0].Port + "|" + list->Items[0].Info, "Not Found||");
-        EXPECT_EQ(list->Selected, 0);
+TEST(ScanPortLists, SortsPortsByModeInTheInventorysOrderAndShowsNotFoundInAnEmptyList) {
+    const auto report = "Error occured during device searching\r\nError Number: 13\r\nDescription: Permission denied";
+    const struct {
+        std::vector<InventoryPort> ports;
+        int breakAt;  // the walk breaks off there, without a report
+        bool refuse;
+        Texts dev, boot, reports;
+    } cases[] = {
+        {{kBootB, kRunningA, kOther, kBootA, kRunningB}, -1, false, {"ttyACM0", "ttyACM1"}, {"/dev/pts/7", "ttyACM2"},
+         {}},
+        {{kOther}, -1, false, {"Not Found"}, {"Not Found"}, {}},
+        {{kBootA, kRunningA, kBootB}, 2, false, {"ttyACM0"}, {"ttyACM2"}, {}},
+        {{kRunningA, kBootA}, -1, true, {"Not Found"}, {"Not Found"}, {report}},
+    };
+    for (const auto& c : cases) {
+        ListedInventory inventory(c.ports);
+        inventory.breakAt = c.breakAt;
+        inventory.refuse = c.refuse;
+        Texts reports;
+        const auto lists = Scan({}, inventory, reports);
+        EXPECT_EQ(TextsOf(lists.DevList), c.dev);
+        EXPECT_EQ(TextsOf(lists.BootList), c.boot);
+        EXPECT_EQ(lists.SelPort, c.boot[0]);
+        EXPECT_EQ(reports, c.reports);
     }
-    EXPECT_EQ(lists.SelPort, "Not Found");
+    ListedInventory inventory({kBootA});
+    Texts reports;
+    const auto item = Scan({}, inventory, reports).BootList.Items[0];
+    EXPECT_EQ(item.Port + " " + item.Info, "ttyACM2 Boot A");
 }
 
 TEST(ScanPortLists, KeepsASelectedPortThatIsStillThereElseTakesTheFirst) {
     ListedInventory both({kRunningA, kRunningB, kBootA, kBootB});
-    auto lists = Scan({}, both);
+    Texts reports;
+    auto lists = Scan({}, both, reports);
     lists.DevList.Selected = 1;
     lists.BootList.Selected = 1;
-    lists = Scan(lists, both);
-    EXPECT_EQ(lists.DevList.SelectedText(), "ttyACM1");
-    EXPECT_EQ(lists.SelPort, "/dev/pts/7");
-
-    // Module B went from the running list to the boot list.
-    ListedInventory moved({kRunningA, kBootA, kBootB, InventoryPort{kBootA.PNPDeviceID, "ttyACM5", "B in boot"}});
-    lists = Scan(lists, moved);
-    EXPECT_EQ(lists.DevList.SelectedText(), "ttyACM0");
-    EXPECT_EQ(lists.SelPort, "/dev/pts/7");
-}
-
-TEST(ScanPortLists, ReportsAnUnreachableInventoryInThreeLinesAndShowsNoPort) {
-    ListedInventory inventory({kRunningA, kBootA});
-    auto lists = Scan({}, inventory);
-    inventory.refuse = true;
-    std::vector<std::string> reports;
-    lists = Scan(lists, inventory, &reports);
-    EXPECT_EQ(reports,
-              std::vector<std::string>{
-                  "Error occured during device searching\r\nError Number: 13\r\nDescription: Permission denied"});
-    EXPECT_EQ(Texts(lists.DevList), std::vector<std::string>{"Not Found"});
-    EXPECT_EQ(lists.SelPort, "Not Found");
-}
-
-TEST(ScanPortLists, KeepsWhatItFoundWhenTheWalkBreaksOffWithoutReport) {
-    ListedInventory inventory({kBootA, kRunningA, kBootB});
-    inventory.breakAt = 2;
-    const auto lists = Scan({}, inventory);
-    EXPECT_EQ(Texts(lists.BootList), std::vector<std::string>{"ttyACM2"});
-    EXPECT_EQ(Texts(lists.DevList), std::vector<std::string>{"ttyACM0"});
+    lists = Scan(lists, both, reports);
+    EXPECT_EQ(lists.DevList.SelectedText() + " " + lists.SelPort, "ttyACM1 /dev/pts/7");
+    // Module B went from the running list to the boot list, in front of the selected port.
+    ListedInventory moved({kRunningA, kBootA, InventoryPort{kBootA.PNPDeviceID, "ttyACM5", "B in boot"}, kBootB});
+    lists = Scan(lists, moved, reports);
+    EXPECT_EQ(lists.DevList.SelectedText() + " " + lists.SelPort, "ttyACM0 /dev/pts/7");
 }
 
 TEST(NamesPort, AcceptsAnyNameButEmptyAndNotFound) {
-    for (const char* name : {"ttyACM0", "/dev/pts/3", "COM7"}) EXPECT_TRUE(NamesPort(name)) << name;
-    EXPECT_FALSE(NamesPort(""));
-    EXPECT_FALSE(NamesPort("Not Found"));
+    const std::pair<const char*, bool> cases[] = {
+        {"ttyACM0", true}, {"/dev/pts/3", true}, {"", false}, {"Not Found", false}};
+    for (const auto& [name, names] : cases) EXPECT_EQ(NamesPort(name), names) << name;
 }
 
 }  // namespace

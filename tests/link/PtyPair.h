@@ -60,7 +60,6 @@ public:
     PtyPair(const PtyPair&) = delete;
     PtyPair& operator=(const PtyPair&) = delete;
 
-    bool Ok() const { return master_ >= 0; }
     int MasterFd() const { return master_; }
     const std::string& SlavePath() const { return slavePath_; }
 
