@@ -26,9 +26,11 @@ struct CliRun {
     std::string err;
 };
 
-// Runs servicebay-cli of this build to its end, its output kept in folder.
-inline CliRun RunCli(const TempFolder& folder, const std::vector<std::string>& args) {
-    std::string command = ShellQuoted(FromEnvironment("SB_BIN_DIR") + "/servicebay-cli");
+// Runs servicebay-cli of this build (or its copy in binDir) to its end, its
+// output kept in folder.
+inline CliRun RunCli(const TempFolder& folder, const std::vector<std::string>& args,
+                     const std::string& binDir = FromEnvironment("SB_BIN_DIR")) {
+    std::string command = ShellQuoted(binDir + "/servicebay-cli");
     for (const std::string& arg : args) command += " " + ShellQuoted(arg);
     const std::string out = folder.File("out");
     const std::string err = folder.File("err");

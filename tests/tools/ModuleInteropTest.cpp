@@ -30,7 +30,7 @@ int SendWithSx(const DeviceLine& line, const std::string& file, const std::strin
 }
 
 TEST_F(BootLoaderInterop, KeepsWhatSxSendsPaddedToWholeBlocks) {
-    const std::string profile = WriteProfile();
+    const std::string profile = SampleFile("SampleModule.profile");
     // sx sends 1024-byte blocks and ends with 128-byte ones, each padded
     // with 0x1A; an empty file is the EOT alone; block numbers wrap past 255.
     for (const char* mode : {"crc", "checksum"}) {

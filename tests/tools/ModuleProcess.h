@@ -135,25 +135,10 @@ class ModuleTest : public ::testing::Test {
 protected:
     ModuleTest() { ::setenv("SERVICEBAY_REGISTRY", folder.File("registry").c_str(), 1); }
 
-    // A profile of the test's own, with a small catalog beside it.
-    std::string WriteProfile(const std::string& extraLines = "") const {
-        TempFolder::Write(folder.File("catalog.xml"), kCatalog);
-        TempFolder::Write(folder.File("module.profile"), std::string(kProfile) + extraLines);
-        return folder.File("module.profile");
+    // The sample module of the project, with its catalog beside it.
+    static std::string SampleFile(const std::string& name) {
+        return std::string(std::getenv("SB_SOURCE_DIR")) + "/data/" + name;
     }
-
-    static constexpr const char* kCatalog =
-        "<CFG><OPTS L=\"6\"><O N=\"Id\" S=\"0\" L=\"20\" T=\"INT\"/></OPTS></CFG>\n";
-    static constexpr const char* kProfile =
-        "GETSN = 00004711\n"
-        "GETVER = \" 1.02.03 \"\n"
-        "GETNAME = Sniffer\n"
-        "GETPDATE = 01.02.2024\n"
-        "GETUID = 0123456789ABCDEF\n"
-        "CLROTP = OTP cleared OK\n"
-        "GETAPPCFG = 0300000000FF\n"
-        "CatalogFile = catalog.xml\n"
-        "RunAnswer = RUN\\r\\nStarting\\r\\n\n";
 
     TempFolder folder;
 };

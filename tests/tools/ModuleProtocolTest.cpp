@@ -39,8 +39,10 @@ struct SwitchCase {
 using BootLoaderSwitches = ModuleTest;
 
 TEST_F(BootLoaderSwitches, EachShowsOnTheWire) {
-    const std::string sn = Framed("GETSN", "00004711");
-    const std::string half = std::string(kCatalog).substr(0, std::string(kCatalog).size() / 2);
+    const std::string sn = Framed("GETSN", "20240117");
+    const std::string catalog = TempFolder::Read(SampleFile("SampleCatalog.xml"));
+    const std::string half = catalog.substr(0, catalog.size() / 2);
+    const std::string image = "03000000550505051234545255434B312800";
     // A sender that gets NAK for every block gives up after 25 sends.
     std::vector<Step> refused = {{kBoot, "C"}};
     refused.insert(refused.end(), 25, Step{Block(1), NAK});
@@ -52,24 +54,24 @@ TEST_F(BootLoaderSwitches, EachShowsOnTheWire) {
         {"answer delay", {"--answer-delay", "300"}, {{"GETSN\r", sn}}, 300},
         {"silence", {"--silent"}, {{"GETSN\r", ""}}},
         {"noise", {"--noise", "\\x13#x"}, {{"GETSN\r", "\x13#x" + sn}}},
-        {"no LF", {"--no-lf"}, {{"GETSN\r", "GETSN\r00004711\r\n> "}}},
+        {"no LF", {"--no-lf"}, {{"GETSN\r", "GETSN\r20240117\r\n> "}}},
         {"text behind the prompt", {"--after-prompt", "?\\r\\n"}, {{"GETSN\r", sn + "?\r\n"}}},
-        {"lower-case ok", {"--lowercase-ok"}, {{"SETAPPCFG 030000000000\r", Framed("SETAPPCFG 030000000000", "ok")}}},
+        {"lower-case ok", {"--lowercase-ok"}, {{"SETAPPCFG " + image + "\r", Framed("SETAPPCFG " + image, "ok")}}},
         {"error to all", {"--error-all"}, {{"GETVER\r", Framed("GETVER", "Error!")}}},
         {"error to one command",
          {"--error-on", "GETSN"},
          {{"GETNAME\r", Framed("GETNAME", "Sniffer")}, {"GETSN\r", Framed("GETSN", "Error!")}}},
-        {"UID of 15", {"--uid-length", "15"}, {{"GETUID\r", Framed("GETUID", "0123456789ABCDE")}}},
-        {"UID of 17", {"--uid-length", "17"}, {{"GETUID\r", Framed("GETUID", "0123456789ABCDEF0")}}},
+        {"UID of 15", {"--uid-length", "15"}, {{"GETUID\r", Framed("GETUID", "3A0F5C21D4E8B90")}}},
+        {"UID of 17", {"--uid-length", "17"}, {{"GETUID\r", Framed("GETUID", "3A0F5C21D4E8B9070")}}},
         {"wrong UID",
          {"--wrong-uid"},
-         {{"GETUID\r", Framed("GETUID", "0123456789ABCDE0")},
-          {"CLROTP 0123456789ABCDE0\r", Framed("CLROTP 0123456789ABCDE0", "Error!")},
-          {"CLROTP 0123456789ABCDEF\r", Framed("CLROTP 0123456789ABCDEF", "OTP cleared OK")}}},
+         {{"GETUID\r", Framed("GETUID", "3A0F5C21D4E8B900")},
+          {"CLROTP 3A0F5C21D4E8B900\r", Framed("CLROTP 3A0F5C21D4E8B900", "Error!")},
+          {"CLROTP 3A0F5C21D4E8B907\r", Framed("CLROTP 3A0F5C21D4E8B907", "OTP cleared: OK")}}},
         {"catalog missing", {"--catalog-missing"}, {{"GETINFOFILE\r", Framed("GETINFOFILE", "Error!")}}},
         {"catalog broken", {"--catalog-broken"}, {{"GETINFOFILE\r", Framed("GETINFOFILE", half)}}},
-        {"configuration too short", {"--config-length", "5"}, {{"GETAPPCFG\r", Framed("GETAPPCFG", "0300000000")}}},
-        {"configuration too long", {"--config-length", "7"}, {{"GETAPPCFG\r", Framed("GETAPPCFG", "0300000000FF00")}}},
+        {"configuration too short", {"--config-length", "5"}, {{"GETAPPCFG\r", Framed("GETAPPCFG", "0300000055")}}},
+        {"configuration too long", {"--config-length", "19"}, {{"GETAPPCFG\r", Framed("GETAPPCFG", image + "00")}}},
         {"vanish at the second command",
          {"--vanish-after-commands", "1"},
          {{"GETSN\r", sn}, {"GETNAME\r", ""}},
@@ -88,9 +90,8 @@ TEST_F(BootLoaderSwitches, EachShowsOnTheWire) {
          0,
          "vanished"},
     };
-    const std::string profile = WriteProfile("ReportFailed = Flash ERROR\\r\\n\n");
     for (const SwitchCase& c : cases) {
-        std::vector<std::string> args = {"--boot", "--profile", profile};
+        std::vector<std::string> args = {"--boot", "--profile", SampleFile("SampleModule.profile")};
         args.insert(args.end(), c.switches.begin(), c.switches.end());
         ModuleProcess module(folder, args);
         DeviceLine line(module.Device());
