@@ -50,7 +50,6 @@ struct Rig {
             return answer;
         };
         hooks.EnableStart = [this](bool enabled) { enables.push_back(enabled); };
-        start = clock.Now();
         const UpdateOutcome outcome = UpdateRun(port, status, hooks).Run(production, IniPath());
         EXPECT_FALSE(port.PortOpen());
         EXPECT_EQ(enables, (std::vector<bool>{false, true}));
@@ -67,6 +66,7 @@ struct Rig {
     test::FakeSerialPort port;
     test::RecordingStatus status;
     test::FakeBootLoader module{port, clock};
+    const int64_t start = clock.Now();
     std::string fileName;
     std::string selPort = "ttyACM0";
     std::deque<MessageAnswer> answers;
@@ -74,7 +74,6 @@ struct Rig {
     std::vector<std::string> messages;
     std::vector<bool> enables;
     int portChoices = 0;
-    int64_t start = 0;
 };
 
 TEST(UpdateRun, DownloadsTheFileIntoTheModuleAndTellsTheBlocksProgrammed) {
@@ -114,7 +113,6 @@ TEST(UpdateRun, EndsWithItsMessageWhenFileOrPortIsMissing) {
     };
     for (const auto& c : cases) {
         Rig rig;
-        std::filesystem::remove(rig.fileName);
         rig.selPort = c.selPort;
         rig.fileName = c.file.empty() ? "" : rig.folder.File(c.file);
         if (c.content == "/") std::filesystem::create_directory(rig.fileName);
@@ -146,7 +144,7 @@ TEST(UpdateRun, ARetrySendsTheBootCommandAgainAndReadsTheFileAnew) {
 TEST(UpdateRun, AFailedDownloadOrAVanishedPortEndsInTheRetryQuestion) {
     for (const bool vanish : {false, true}) {
         Rig rig;
-        rig.module.vanishAfterBlocks = vanish ? 0 : -1;
+        rig.module.vanish = vanish;
         rig.module.cancelTransfers = 1;
         rig.answers = {MessageAnswer::Cancel};
         const UpdateOutcome outcome = rig.Run();
