@@ -8,15 +8,18 @@
 
 namespace sb::test {
 
-// The module's boot loader on the fake port, in virtual time: framed
+// The module's boot loader on a fake port, in virtual time: framed
 // commands answered with echo, line break and prompt; behind CR "BOOT" CR a
 // CRC-mode XMODEM receiver that asks with "C" once a second, keeps the data
 // fields of the blocks, and sends its report 200 ms after the end.
 class FakeBootLoader {
 public:
-    FakeBootLoader(FakeSerialPort& port, VirtualClock& clock) : port_(port), clock_(clock) {
+    FakeBootLoader() {
         port.onOutput = [this](const std::string& bytes) { Take(bytes); };
     }
+
+    VirtualClock clock;
+    FakeSerialPort port;
 
     std::map<std::string, std::string> answers = {
         {"GETSN", "00004711"},      {"GETVER", " 1.04.02 "},        {"GETNAME", "Sniffer"},
@@ -47,9 +50,9 @@ private:
 
     // "C" once a second until the first block comes.
     void Ask(int boot, int64_t after) {
-        clock_.After(after, [this, boot] {
+        clock.After(after, [this, boot] {
             if (mode_ != Mode::Handshake || boot != boots) return;
-            port_.Feed("C");
+            port.Feed("C");
             Ask(boot, 1000);
         });
     }
@@ -57,7 +60,7 @@ private:
     void Block(const std::string& block) {
         mode_ = Mode::Blocks;
         if (vanish) {
-            port_.failInput = port_.failOutput = true;
+            port.failInput = port.failOutput = true;
         } else if (cancels_ < cancelTransfers) {
             ++cancels_;
             End("\x18\x18", "Flash ERROR\r\n");
@@ -70,7 +73,7 @@ private:
     void End(const std::string& answer, const std::string& report) {
         mode_ = Mode::Commands;
         Answer(answer);
-        clock_.After(200, [this, report] { port_.Feed(report); });
+        clock.After(200, [this, report] { port.Feed(report); });
     }
 
     void Command(const std::string& line) {
@@ -81,11 +84,9 @@ private:
     }
 
     void Answer(const std::string& bytes) {
-        clock_.After(1, [this, bytes] { port_.Feed(bytes); });
+        clock.After(1, [this, bytes] { port.Feed(bytes); });
     }
 
-    FakeSerialPort& port_;
-    VirtualClock& clock_;
     Mode mode_ = Mode::Commands;
     int cancels_ = 0;
 };
