@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "../helpers/TempFolder.h"
@@ -99,35 +101,24 @@ TEST(UpdateRun, DownloadsTheFileAndRecordsItWithTheFlagOrOffersARetry) {
     }
 }
 
+// The cases of missing-cases.json: the file chosen in the rig's folder (a
+// file when it has content, a folder, or nothing), the port chosen; the one
+// message of each. Only an empty file is found behind the boot command.
 TEST(UpdateRun, EndsWithItsMessageWhenFileOrPortIsMissing) {
-    const std::string noFile = "Binary file does not exist!", noPort = "Cant find device in boot mode";
-    const struct {
-        const char* name;
-        std::string file;  // in the rig's folder: a file of content, none for "-", a folder for "/"
-        std::string content, selPort, message;
-    } cases[] = {
-        {"no file chosen", "", "-", "ttyACM0", noFile},
-        {"a file that is gone", "gone.cod", "-", "ttyACM0", noFile},
-        {"a directory", "fw", "/", "ttyACM0", noFile},
-        {"a hidden file", ".fw.cod", "data", "ttyACM0", noFile},
-        {"no port chosen", "fw.cod", "data", "", noPort},
-        {"Not Found chosen", "fw.cod", "data", "Not Found", noPort},
-        {"the selection fails", "fw.cod", "data", "!", noPort},
-        // Found only behind the boot command, and no retry is offered.
-        {"an empty file", "fw.cod", "", "ttyACM0", "Error when reading binary file!"},
-    };
-    for (const auto& c : cases) {
+    const std::string here = std::string(std::getenv("SB_SOURCE_DIR")) + "/tests/update/";
+    for (const auto& c : nlohmann::json::parse(TempFolder::Read(here + "missing-cases.json"))) {
+        SCOPED_TRACE(c.dump());
         Rig rig;
-        rig.selPort = c.selPort;
-        rig.fileName = c.file.empty() ? "" : rig.folder.File(c.file);
-        if (c.content == "/") std::filesystem::create_directory(rig.fileName);
-        if (c.content != "-" && c.content != "/") TempFolder::Write(rig.fileName, c.content);
-        EXPECT_NE(rig.Run().End, UpdateEnd::Programmed) << c.name;
-        EXPECT_EQ(rig.messages, std::vector<std::string>{c.message}) << c.name;
-        EXPECT_EQ(rig.portChoices, c.message == noFile ? 0 : 1) << c.name;
-        const int boots = c.message == noFile || c.message == noPort ? 0 : 1;
-        EXPECT_EQ(rig.module.boots, boots) << c.name;
-        EXPECT_EQ(rig.module.port.calls.empty(), boots == 0) << c.name;
+        rig.selPort = c.value("port", "ttyACM0");
+        rig.fileName = c["file"] == "" ? "" : rig.folder.File(c["file"]);
+        if (c.value("folder", false)) std::filesystem::create_directory(rig.fileName);
+        if (c.contains("content")) TempFolder::Write(rig.fileName, c["content"]);
+        EXPECT_NE(rig.Run().End, UpdateEnd::Programmed);
+        EXPECT_EQ(rig.messages, std::vector<std::string>{c["message"]});
+        EXPECT_EQ(rig.portChoices, c["message"] == "Binary file does not exist!" ? 0 : 1);
+        const int boots = c["message"] == "Error when reading binary file!" ? 1 : 0;
+        EXPECT_EQ(rig.module.boots, boots);
+        EXPECT_EQ(rig.module.port.calls.empty(), boots == 0);
     }
 }
 
