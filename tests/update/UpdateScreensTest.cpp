@@ -20,13 +20,11 @@ namespace {
 
 using Chooser = std::function<void(ui::frmFileCtrl&)>;
 
-// The chooser goes to folder, clicks the file named (none for "") and ends
-// with the button.
+// The chooser goes to folder, clicks the file named and ends with the button.
 Chooser Pick(const std::string& folder, const std::string& name, const char* button = "cmdOpen") {
     return [=](ui::frmFileCtrl& chooser) {
         chooser.Dir1->SetPath(folder);
-        const auto found = chooser.File1->findItems(ui::PathText(name), Qt::MatchExactly);
-        if (!name.empty()) chooser.File1->setCurrentItem(found.value(0));
+        chooser.File1->setCurrentItem(chooser.File1->findItems(ui::PathText(name), Qt::MatchExactly).value(0));
         Click(chooser, button);
     };
 }
