@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
+#include <map>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -19,22 +22,19 @@ namespace {
 using test::TempFolder;
 
 struct RecordRig {
-    RecordRig(const std::string& before, const std::string& command = "", const std::string& answer = "") {
-        port.SetPortOpen(true);
+    explicit RecordRig(const std::string& before) {
+        module.port.SetPortOpen(true);
         if (!before.empty()) TempFolder::Write(Ini(), before);
-        if (!command.empty()) module.answers[command] = answer;
     }
-    ProductionRecord Write() { return WriteProductionRecord(port, status, Ini()); }
+    ProductionRecord Write() { return WriteProductionRecord(module.port, status, Ini()); }
     std::string Ini() const { return folder.File("sniffer.ini"); }
     std::string Read(const std::string& section, const std::string& key) const {
         return IniReadValue(section, key, "(missing)", Ini());
     }
 
     TempFolder folder;
-    test::VirtualClock clock;
-    test::FakeSerialPort port;
     test::RecordingStatus status;
-    test::FakeBootLoader module{port, clock};
+    test::FakeBootLoader module;
 };
 
 TEST(ProductionRecord, TheFirstRecordMakesTheFile) {
@@ -47,66 +47,39 @@ TEST(ProductionRecord, TheFirstRecordMakesTheFile) {
                                            "Name=Sniffer\r\nDate=17.01.2024\r\nUID=3A0F5C21D4E8B907\r\n");
 }
 
-TEST(ProductionRecord, NumbersTheRecordBehindTheCountAndKeepsEachAnswerOnOneLine) {
-    const std::vector<std::vector<std::string>> cases = {  // before, command, answer; section, QTY, Name
-        {"[FRMLOAD]\r\nDIR=/tmp\r\n", "", "", "STAT_00000001", " 1", "Sniffer"},
-        {"[STAT]\r\nQTY= 9\r\n", "", "", "STAT_0000000A", " 10", "Sniffer"},
-        {"[STAT]\r\nQTY=abc\r\n", "", "", "STAT_00000001", " 1", "Sniffer"},
-        {"[STAT]\r\nQTY=\r\n", "", "", "STAT_00000001", " 1", "Sniffer"},
-        {"[STAT]\r\nQTY=0\r\n[STAT_00000001]\r\nName=old\r\n", "", "", "STAT_00000001", " 1", "Sniffer"},  // by hand
-        {"[STAT]\r\nQTY=2147483646\r\n", "", "", "STAT_7FFFFFFF", " 2147483647", "Sniffer"},
-        {"", "CLROTP", "NOK", "STAT_00000001", " 1", "Sniffer"},  // NOK holds OK
-        {"", "GETNAME", "Sniffer\r\nC:\\V2\n", "STAT_00000001", " 1", "Sniffer\\r\\nC:\\\\V2"},
-    };
-    for (const auto& c : cases) {
-        RecordRig rig(c[0], c[1], c[2]);
+// The cases of record-cases.json: the sniffer.ini before, the module's answers
+// that differ, a fault of the file or the port; the record's end and the
+// commands sent. A written record shows its section, count and one value;
+// any other end leaves the file as it was.
+TEST(ProductionRecord, EachCaseEndsAsItSays) {
+    const std::map<std::string, RecordEnd> ends = {
+        {"Written", RecordEnd::Written},         {"UidNotSixteen", RecordEnd::UidNotSixteen},
+        {"NotCleared", RecordEnd::NotCleared},   {"SerialError", RecordEnd::SerialError},
+        {"NoNumberLeft", RecordEnd::NoNumberLeft}, {"WriteFailed", RecordEnd::WriteFailed}};
+    const std::string here = std::string(std::getenv("SB_SOURCE_DIR")) + "/tests/update/";
+    for (const auto& c : nlohmann::json::parse(TempFolder::Read(here + "record-cases.json"))) {
+        SCOPED_TRACE(c.dump());
+        const std::string before = c.value("before", ""), fault = c.value("fault", "");
+        RecordRig rig(before);
+        const auto answers = c.value("answers", nlohmann::json::object());
+        for (const auto& [command, answer] : answers.items()) rig.module.answers[command] = answer;
+        if (fault == "locked") std::filesystem::permissions(rig.Ini(), std::filesystem::perms::owner_read);
+        rig.module.port.failOutput = fault == "port";
         const ProductionRecord record = rig.Write();
-        EXPECT_EQ(record.End, RecordEnd::Written) << c[0];
-        EXPECT_EQ(record.Section, c[3]) << c[0];
-        EXPECT_NE(TempFolder::Read(rig.Ini()).find("QTY=" + c[4] + "\r\n"), std::string::npos) << c[0];
-        EXPECT_EQ(rig.Read(c[3], "Name") + " " + rig.Read(c[3], "UID"), c[5] + " 3A0F5C21D4E8B907") << c[0];
-        EXPECT_EQ(rig.Read("FRMLOAD", "DIR"), c[0].starts_with("[FRMLOAD]") ? "/tmp" : "(missing)");
-    }
-}
-
-TEST(ProductionRecord, WritesNothingUnlessTheRecordIsConfirmedNewAndWritable) {
-    const std::string three = "[STAT]\r\nQTY= 3\r\n";
-    const struct {
-        std::string before, command, answer;
-        RecordEnd end;
-        size_t sent;  // commands
-        bool locked = false;
-    } cases[] = {
-        {three, "GETUID", "3A0F5C21D4E8B90", RecordEnd::UidNotSixteen, 5},
-        {three, "GETUID", "3A0F5C21D4E8B9071", RecordEnd::UidNotSixteen, 5},
-        {three, "CLROTP", "Error!", RecordEnd::NotCleared, 6},
-        {three, "CLROTP", "ok", RecordEnd::NotCleared, 6},
-        {three, "GETSN", "Error!", RecordEnd::SerialError, 6},
-        {"[STAT]\r\nQTY=2147483647\r\n[STAT_00000001]\r\nSN=1\r\n", "", "", RecordEnd::NoNumberLeft, 0},
-        {"[STAT]\r\nQTY=1e10\r\n", "", "", RecordEnd::NoNumberLeft, 0},
-        {"[STAT]\r\nQTY=1e400\r\n", "", "", RecordEnd::NoNumberLeft, 0},
-        {three, "", "", RecordEnd::WriteFailed, 6, true},
-    };
-    for (const auto& c : cases) {
-        RecordRig rig(c.before, c.command, c.answer);
-        if (c.locked) std::filesystem::permissions(rig.Ini(), std::filesystem::perms::owner_read);
-        const ProductionRecord record = rig.Write();
-        EXPECT_EQ(record.End, c.end) << c.command << c.answer << c.before;
-        EXPECT_EQ(rig.module.commands.size(), c.sent) << c.command << c.answer << c.before;
-        EXPECT_EQ(TempFolder::Read(rig.Ini()), c.before) << c.command << c.answer;
-        const auto why = c.locked ? std::make_error_code(std::errc::permission_denied) : std::error_code();
+        EXPECT_EQ(record.End, ends.at(c["end"]));
+        EXPECT_EQ(rig.module.commands.size(), c["sent"]);
+        EXPECT_EQ(record.PortFailure.has_value(), fault == "port");
+        const auto why = fault == "locked" ? std::make_error_code(std::errc::permission_denied) : std::error_code();
         EXPECT_EQ(record.WriteFailure, why) << why.message();
+        if (!c.contains("section")) {
+            EXPECT_EQ(TempFolder::Read(rig.Ini()), before);
+            continue;
+        }
+        EXPECT_EQ(record.Section, c["section"]);
+        EXPECT_NE(TempFolder::Read(rig.Ini()).find("QTY=" + c["qty"].get<std::string>() + "\r\n"), std::string::npos);
+        EXPECT_EQ(rig.Read(c["section"], c["key"]), c["value"]);
+        EXPECT_EQ(rig.Read("FRMLOAD", "DIR"), before.starts_with("[FRMLOAD]") ? "/tmp" : "(missing)");
     }
-}
-
-TEST(ProductionRecord, AnEmptyAnswerLeavesItsKeyOutAndAFailingPortIsSkipped) {
-    RecordRig rig("", "GETPDATE", "  ");
-    EXPECT_EQ(rig.Write().End, RecordEnd::Written);
-    EXPECT_EQ(rig.Read("STAT_00000001", "Date"), "(missing)");
-    RecordRig broken("");
-    broken.port.failOutput = true;
-    const ProductionRecord none = broken.Write();
-    EXPECT_TRUE(none.End == RecordEnd::UidNotSixteen && none.PortFailure.has_value());
 }
 
 }  // namespace

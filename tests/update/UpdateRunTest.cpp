@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <deque>
+#include <cstdlib>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
-#include <tuple>
 
 #include "../helpers/TempFolder.h"
 #include "../link/ScriptedModule.h"
@@ -19,20 +19,15 @@ namespace sb {
 namespace {
 
 using test::TempFolder;
-using ui::MessageAnswer;
 
 std::string RetryQuestion(const std::string& report) {
     return "Download was completed with Errors\r\nReport:" + report + "\r\nRetry ?";
 }
 
-// The update screen without a screen. A port choice of "!" fails.
+// The update screen without a screen: a retry question is answered Ok
+// while retries last; a port choice of "!" fails.
 struct Rig {
-    Rig() { fileName = Firmware("fw.cod", test::RandomBytes(1000, 1)); }
-
-    std::string Firmware(const std::string& name, const std::string& data) const {
-        TempFolder::Write(folder.File(name), data);
-        return folder.File(name);
-    }
+    Rig() { TempFolder::Write(fileName, test::RandomBytes(1000, 1)); }
 
     UpdateOutcome Run(bool production = false) {
         UpdateHooks hooks;
@@ -44,143 +39,114 @@ struct Rig {
         hooks.ShowMessage = [this](const std::string& text, ui::MessageButtons buttons) {
             messages.push_back(text);
             if (onMessage) onMessage();
-            if (buttons == ui::MessageButtons::Ok || answers.empty()) return MessageAnswer::Ok;
-            const auto answer = answers.front();
-            answers.pop_front();
-            return answer;
+            const bool ok = buttons == ui::MessageButtons::Ok || retries-- > 0;
+            return ok ? ui::MessageAnswer::Ok : ui::MessageAnswer::Cancel;
         };
         hooks.EnableStart = [this](bool enabled) { enables.push_back(enabled); };
-        start = clock.Now();
-        const UpdateOutcome outcome = UpdateRun(port, status, hooks).Run(production, IniPath());
-        EXPECT_FALSE(port.PortOpen());
+        const UpdateOutcome outcome = UpdateRun(module.port, status, hooks).Run(production, IniPath());
+        EXPECT_FALSE(module.port.PortOpen());
         EXPECT_EQ(enables, (std::vector<bool>{false, true}));
         return outcome;
     }
 
     std::string IniPath() const { return folder.File("sniffer.ini"); }
-    int Count(const std::string& call) const {
-        return static_cast<int>(std::count(port.calls.begin(), port.calls.end(), call));
-    }
+    int Opens() const { return static_cast<int>(std::ranges::count(module.port.calls, "SetPortOpen(true)")); }
 
     TempFolder folder;
-    test::VirtualClock clock;
-    test::FakeSerialPort port;
     test::RecordingStatus status;
-    test::FakeBootLoader module{port, clock};
-    std::string fileName;
+    test::FakeBootLoader module;
+    const int64_t start = module.clock.Now();
+    std::string fileName = folder.File("fw.cod");
     std::string selPort = "ttyACM0";
-    std::deque<MessageAnswer> answers;
+    int retries = 0;
     std::function<void()> onMessage;
     std::vector<std::string> messages;
     std::vector<bool> enables;
     int portChoices = 0;
-    int64_t start = 0;
 };
 
-TEST(UpdateRun, DownloadsTheFileIntoTheModuleAndTellsTheBlocksProgrammed) {
-    Rig rig;
-    const UpdateOutcome outcome = rig.Run();
-    EXPECT_EQ(outcome.End, UpdateEnd::Programmed);
-    // 1024 times the blocks, not the file's 1000 bytes.
-    EXPECT_EQ(rig.module.image, test::PaddedToWholeBlocks(test::RandomBytes(1000, 1)));
-    EXPECT_EQ(rig.messages, std::vector<std::string>{
-                                "Update completed succesfully\r\nReport:Flash OK\r\n\r\n 1024 bytes programmed"});
-    EXPECT_EQ(rig.status.Text(), "Update completed succesfully\r\n 1024 bytes programmed");
+TEST(UpdateRun, DownloadsTheFileAndRecordsItWithTheFlagOrOffersARetry) {
+    const std::string done = "Update completed succesfully", failed = "Binary File was not downloaded";
+    const std::string report = done + "\r\nReport:Flash OK\r\n\r\n 1024 bytes programmed";
     const std::vector<std::string> opening = {
         "SetCommPort(ttyACM0)", "SetSettings(300, N, 8, 1)", "SetInputLen(0)",         "SetRThreshold(0)",
         "SetSThreshold(0)",     "SetInBufferSize(8192)",     "SetOutBufferSize(8192)", "SetPortOpen(true)"};
-    EXPECT_TRUE(std::equal(opening.begin(), opening.end(), rig.port.calls.begin()));
-    EXPECT_EQ(rig.port.written.front(), "\rBOOT\r");
-    EXPECT_FALSE(std::filesystem::exists(rig.IniPath()));
-}
-
-TEST(UpdateRun, EndsWithItsMessageWhenFileOrPortIsMissing) {
     const struct {
         const char* name;
-        std::string file;  // in the rig's folder: a file of content, none for "-", a folder for "/"
-        std::string content, selPort, message;
-        int portChoices;
-        int boots;
+        bool production, cancel, vanish;
+        std::string message, status;
     } cases[] = {
-        {"no file chosen", "", "-", "ttyACM0", "Binary file does not exist!", 0, 0},
-        {"a file that is gone", "gone.cod", "-", "ttyACM0", "Binary file does not exist!", 0, 0},
-        {"a directory", "fw", "/", "ttyACM0", "Binary file does not exist!", 0, 0},
-        {"a hidden file", ".fw.cod", "data", "ttyACM0", "Binary file does not exist!", 0, 0},
-        {"no port chosen", "fw.cod", "data", "", "Cant find device in boot mode", 1, 0},
-        {"Not Found chosen", "fw.cod", "data", "Not Found", "Cant find device in boot mode", 1, 0},
-        {"the selection fails", "fw.cod", "data", "!", "Cant find device in boot mode", 1, 0},
-        // Found only behind the boot command, and no retry is offered.
-        {"an empty file", "fw.cod", "", "ttyACM0", "Error when reading binary file!", 1, 1},
+        {"a download", false, false, false, report, done + "\r\n 1024 bytes programmed"},
+        {"with the record", true, false, false, report, done + "\r\n 1024 bytes programmed"},
+        {"cancelled by the module", true, true, false, RetryQuestion("Flash ERROR\r\n"), failed},
+        {"the port vanished", false, false, true, RetryQuestion(""), failed},
     };
     for (const auto& c : cases) {
         Rig rig;
-        std::filesystem::remove(rig.fileName);
-        rig.selPort = c.selPort;
-        rig.fileName = c.file.empty() ? "" : rig.folder.File(c.file);
-        if (c.content == "/") std::filesystem::create_directory(rig.fileName);
-        if (c.content != "-" && c.content != "/") rig.Firmware(c.file, c.content);
-        EXPECT_EQ(rig.Run().End == UpdateEnd::Programmed, false) << c.name;
+        rig.module.cancelTransfers = c.cancel;
+        rig.module.vanish = c.vanish;
+        const UpdateOutcome outcome = rig.Run(c.production);
+        const bool programmed = !c.cancel && !c.vanish, recorded = programmed && c.production;
+        EXPECT_EQ(outcome.End, programmed ? UpdateEnd::Programmed : UpdateEnd::Abandoned) << c.name;
         EXPECT_EQ(rig.messages, std::vector<std::string>{c.message}) << c.name;
-        EXPECT_EQ(rig.portChoices, c.portChoices) << c.name;
-        EXPECT_EQ(rig.module.boots, c.boots) << c.name;
-        EXPECT_EQ(rig.port.calls.empty(), c.boots == 0) << c.name;
+        EXPECT_EQ(std::ranges::count(rig.status.texts, c.status), 1) << c.name;
+        // 1024 bytes a block, not the file's 1000.
+        const std::string image = programmed ? test::PaddedToWholeBlocks(test::RandomBytes(1000, 1)) : "";
+        EXPECT_EQ(rig.module.image, image) << c.name;
+        EXPECT_TRUE(std::equal(opening.begin(), opening.end(), rig.module.port.calls.begin())) << c.name;
+        EXPECT_EQ(rig.module.port.written.front(), "\rBOOT\r") << c.name;
+        EXPECT_EQ(outcome.Record.has_value(), recorded) << c.name;
+        EXPECT_EQ(IniReadValue("STAT_00000001", "UID", "", rig.IniPath()), recorded ? "3A0F5C21D4E8B907" : "");
+        EXPECT_EQ(rig.module.commands.empty(), !recorded) << c.name;
+    }
+}
+
+// The cases of missing-cases.json: the file chosen in the rig's folder (a
+// file when it has content, a folder, or nothing), the port chosen; the one
+// message of each. Only an empty file is found behind the boot command.
+TEST(UpdateRun, EndsWithItsMessageWhenFileOrPortIsMissing) {
+    const std::string here = std::string(std::getenv("SB_SOURCE_DIR")) + "/tests/update/";
+    for (const auto& c : nlohmann::json::parse(TempFolder::Read(here + "missing-cases.json"))) {
+        SCOPED_TRACE(c.dump());
+        Rig rig;
+        rig.selPort = c.value("port", "ttyACM0");
+        rig.fileName = c["file"] == "" ? "" : rig.folder.File(c["file"]);
+        if (c.value("folder", false)) std::filesystem::create_directory(rig.fileName);
+        if (c.contains("content")) TempFolder::Write(rig.fileName, c["content"]);
+        EXPECT_NE(rig.Run().End, UpdateEnd::Programmed);
+        EXPECT_EQ(rig.messages, std::vector<std::string>{c["message"]});
+        EXPECT_EQ(rig.portChoices, c["message"] == "Binary file does not exist!" ? 0 : 1);
+        const int boots = c["message"] == "Error when reading binary file!" ? 1 : 0;
+        EXPECT_EQ(rig.module.boots, boots);
+        EXPECT_EQ(rig.module.port.calls.empty(), boots == 0);
     }
 }
 
 TEST(UpdateRun, ARetrySendsTheBootCommandAgainAndReadsTheFileAnew) {
     Rig rig;
     rig.module.cancelTransfers = 1;
-    rig.answers = {MessageAnswer::Ok};
+    rig.retries = 1;
     const std::string second = test::RandomBytes(1500, 2);
-    rig.onMessage = [&rig, &second] { rig.Firmware("fw.cod", second); };
-    const UpdateOutcome outcome = rig.Run();
-
-    EXPECT_EQ(outcome.Tries, 2);
+    rig.onMessage = [&rig, &second] { TempFolder::Write(rig.fileName, second); };
+    EXPECT_EQ(rig.Run().Tries, 2);
     EXPECT_EQ(rig.module.boots, 2);
     EXPECT_EQ(rig.module.image, test::PaddedToWholeBlocks(second));
     EXPECT_EQ(rig.messages.front(), RetryQuestion("Flash ERROR\r\n"));
     EXPECT_EQ(rig.messages.size(), 2u);
-    EXPECT_EQ(rig.Count("SetPortOpen(true)"), 1);  // the port stays open between the tries
-}
-
-TEST(UpdateRun, AFailedDownloadOrAVanishedPortEndsInTheRetryQuestion) {
-    for (const bool vanish : {false, true}) {
-        Rig rig;
-        rig.module.vanishAfterBlocks = vanish ? 0 : -1;
-        rig.module.cancelTransfers = 1;
-        rig.answers = {MessageAnswer::Cancel};
-        const UpdateOutcome outcome = rig.Run();
-        EXPECT_EQ(outcome.End, UpdateEnd::Abandoned) << vanish;
-        EXPECT_EQ(rig.messages, std::vector<std::string>{RetryQuestion(vanish ? "" : "Flash ERROR\r\n")}) << vanish;
-        EXPECT_EQ(rig.status.Text(), "Binary File was not downloaded") << vanish;
-    }
+    EXPECT_EQ(rig.Opens(), 1);  // the port stays open between the tries
 }
 
 TEST(UpdateRun, APortThatCannotBeOpenedPassesTheWaitsIntoTheRetry) {
     Rig rig;
-    rig.port.failOpen = true;
-    rig.answers = {MessageAnswer::Ok, MessageAnswer::Cancel};
-    const UpdateOutcome outcome = rig.Run();
-
-    EXPECT_EQ(outcome.Tries, 2);
+    rig.module.port.failOpen = true;
+    rig.retries = 1;
+    EXPECT_EQ(rig.Run().Tries, 2);
     EXPECT_EQ(rig.messages, std::vector<std::string>(2, RetryQuestion("")));
     // The opening, and once more at the start of each try while it stays closed.
-    EXPECT_EQ(rig.Count("SetPortOpen(true)"), 3);
+    EXPECT_EQ(rig.Opens(), 3);
     // 500 ms behind the opening, 500 behind the try's opening, 500 behind the
     // boot command and 1000 before the report; the retry without the first.
-    EXPECT_EQ((rig.clock.Now() - rig.start) / 100, (2500 + 2000) / 100);
-}
-
-TEST(UpdateRun, TheProductionRecordFollowsOnlyASuccessfulDownloadWithTheFlag) {
-    for (const auto& [production, cancel, recorded] :
-         {std::tuple{true, false, true}, std::tuple{true, true, false}, std::tuple{false, false, false}}) {
-        Rig rig;
-        rig.module.cancelTransfers = cancel ? 1 : 0;
-        rig.answers = {MessageAnswer::Cancel};
-        EXPECT_EQ(rig.Run(production).Record.has_value(), recorded) << production << cancel;
-        EXPECT_EQ(IniReadValue("STAT_00000001", "UID", "", rig.IniPath()), recorded ? "3A0F5C21D4E8B907" : "");
-        EXPECT_EQ(rig.module.commands.empty(), !recorded);
-    }
+    EXPECT_EQ((rig.module.clock.Now() - rig.start) / 100, (2500 + 2000) / 100);
 }
 
 }  // namespace
