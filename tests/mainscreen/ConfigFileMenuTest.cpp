@@ -1,12 +1,8 @@
 // The File menu and the check of a write, on the offscreen platform.
 #include <gtest/gtest.h>
 
-#include <QTemporaryDir>
-
 #include "ScreenTesting.h"
-#include "TestCatalog.h"
 #include "VirtualModule.h"
-#include "../helpers/TempFolder.h"
 #include "configfiles/ConfigFile.h"
 #include "configfiles/ConfigHistory.h"
 #include "helpers/HexText.h"
@@ -16,20 +12,11 @@
 namespace sb::test {
 namespace {
 
-struct FileMenu : ::testing::Test {
-    FileMenu() {
-        ui::SetConfigFileChooser([this](ui::ConfigFileChoice) { return chosen; });
-    }
+struct FileMenu : ScreenTest {
+    FileMenu() { ui::SetConfigFileChooser([this](ui::ConfigFileChoice) { return chosen; }); }
     ~FileMenu() override { ui::SetConfigFileChooser({}); }
 
-    std::string File(const char* name) const { return dir.filePath(QLatin1String(name)).toStdString(); }
-
-    QTemporaryDir dir;
     std::string chosen;
-    ModalScript modal;
-    MessageRecorder messages;
-    Screen screen;
-    ui::frmDeviceCofigurator& form = screen.form;
 };
 
 TEST_F(FileMenu, OpenFillsTheScreenAndCompareListsTheChangedOption) {
@@ -38,7 +25,7 @@ TEST_F(FileMenu, OpenFillsTheScreenAndCompareListsTheChangedOption) {
     module.SN = "SN7";
     emit form.mnuFile->aboutToShow();
     EXPECT_FALSE(form.mnuSaveConfig->isEnabled());  // no working image yet
-    chosen = File("module.sbconf");
+    chosen = folder.File("module.sbconf");
     WriteConfigFile(chosen, MakeConfigDocument(module, HexToBytes(kModuleImage)));
     form.mnuOpenConfig->trigger();
     EXPECT_EQ(form.txtSN->text(), "SN7");
@@ -62,7 +49,7 @@ TEST_F(FileMenu, OpenFillsTheScreenAndCompareListsTheChangedOption) {
     EXPECT_EQ(allRows, 7);
 
     // A file that is no configuration changes nothing on the screen.
-    chosen = File("other.sbconf");
+    chosen = folder.File("other.sbconf");
     TempFolder::Write(chosen, "<CFG/>");
     form.mnuOpenConfig->trigger();
     ASSERT_EQ(messages.texts.size(), 1u);

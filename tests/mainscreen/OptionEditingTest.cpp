@@ -1,25 +1,20 @@
-// The option tree and the list of configurations on the screen, filled by
-// the offline run: mouse and keyboard reach the tree's events and the list,
-// and the tree shows what they did.
+// The option tree, the list of configurations and the value edit forms on
+// the screen, filled by the offline run: mouse and keyboard reach the tree's
+// events and the list, a scripted technician works the forms, and the tree
+// shows what they did.
 #include <gtest/gtest.h>
 
-#include <QLineEdit>
+#include <QRadioButton>
 #include <QTest>
 
 #include "ScreenTesting.h"
-#include "TestCatalog.h"
+#include "ui/Latin1.h"
 
 namespace sb::test {
 namespace {
 
-struct OptionEditing : ::testing::Test {
-    OptionEditing() : catalog(kTestCatalog), screen(catalog.Path()) { form.Command1->click(); }
-
-    CatalogFolder catalog;
-    Screen screen;
-    ui::frmDeviceCofigurator& form = screen.form;
-    MessageRecorder messages;
-    ModalScript modal;
+struct OptionEditing : ScreenTest {
+    OptionEditing() { form.Command1->click(); }
 };
 
 TEST_F(OptionEditing, ClicksOnBoxesApplyEntriesInPlaceOnceAndClicksOnTextsNothing) {
@@ -80,6 +75,57 @@ TEST_F(OptionEditing, TypingAnEntrysNameInTheListChangesNothing) {
     EXPECT_EQ(form.txtConfigInfo->toPlainText(), "as the module left the factory");
     form.cmdSelPredefCfg->click();
     EXPECT_EQ(screen.CfgEdited(), kModuleImage);
+}
+
+// The value box of a form, whichever it has.
+std::string Box(QDialog& dialog) {
+    if (auto* line = dialog.findChild<QLineEdit*>("txtOptValue")) return ui::Bytes(line->text());
+    return ui::Bytes(dialog.findChild<QPlainTextEdit*>("txtValue")->toPlainText());
+}
+
+void Set(QDialog& dialog, const char* button) { dialog.findChild<QRadioButton*>(button)->setChecked(true); }
+
+TEST_F(OptionEditing, FormRefusalKeepsTheLastGoodValueAndEachUseStartsAfresh) {
+    modal.Then([](QDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "Limit");
+        EnterValue("21")(dialog);  // above the range
+        EXPECT_EQ(Box(dialog), "0000000F");
+        Set(dialog, "optDecHex_1");
+        Click(dialog, "cmdCancel");
+    });
+    modal.Then(EnterValue("11"));  // in "Hex" again
+    ui::ValueEditForms& forms = form.EditForms();
+    EXPECT_EQ(forms.EditInt("Limit", "00000010", "00000020", "0000000F"), "0000000F");
+    EXPECT_EQ(forms.EditInt("Limit", "00000010", "00000020", "0000000F"), "11");
+    EXPECT_EQ(messages.texts, std::vector<std::string>{"Wrong value entered"});
+}
+
+TEST_F(OptionEditing, FormsRefuseOverlongEntriesAndKeepEveryByteOfAString) {
+    ui::ValueEditForms& forms = form.EditForms();
+    modal.Then([](QDialog& dialog) {
+        EnterValue(std::string(40000, '0'))(dialog);
+        EXPECT_EQ(Box(dialog), "41");
+    });
+    EXPECT_EQ(forms.EditBin("Key", 1, "41"), "41");
+    modal.Then([](QDialog& dialog) {
+        dialog.findChild<QPlainTextEdit*>("txtValue")->setPlainText(QString(40000, QLatin1Char('A')));
+        Set(dialog, "optHexASCII_0");
+        EXPECT_EQ(Box(dialog), "5A");
+    });
+    EXPECT_EQ(forms.EditStr("Tag", 1, "Z"), "Z");
+    EXPECT_EQ(messages.texts, std::vector<std::string>(2, "Wrong value entered"));
+
+    std::string bytes = "\r\n\r";
+    for (int b = 1; b <= 0xFF; ++b) bytes += static_cast<char>(b);
+    modal.Then([](QDialog& dialog) { Click(dialog, "cmdCancel"); });
+    modal.Then([](QDialog& dialog) { Click(dialog, "cmdOK"); });
+    modal.Then([](QDialog& dialog) {
+        Set(dialog, "optHexASCII_0");
+        Set(dialog, "optHexASCII_1");
+        Click(dialog, "cmdOK");
+    });
+    for (int use = 0; use < 3; ++use) EXPECT_EQ(forms.EditStr("Tag", int(bytes.size()), bytes), bytes) << use;
+    EXPECT_EQ(messages.texts.size(), 2u);
 }
 
 }  // namespace

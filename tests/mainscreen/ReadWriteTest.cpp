@@ -1,4 +1,5 @@
 // "Read info" and "Write" against the virtual module on a pseudo-terminal.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QMenuBar>
@@ -6,13 +7,15 @@
 #include <QTimer>
 
 #include "ScreenTesting.h"
-#include "TestCatalog.h"
 #include "VirtualModule.h"
 
 namespace sb::test {
 namespace {
 
-struct ModuleScreen : ::testing::Test {
+using ::testing::ElementsAre;
+using ::testing::StartsWith;
+
+struct ModuleScreen : ScreenTest {
     // Picks the port, and closes the window in the wait that follows.
     void CloseDuringTheAction() {
         modal.Then([&](QDialog& dialog) {
@@ -30,12 +33,7 @@ struct ModuleScreen : ::testing::Test {
             Click(dialog, "cmdSelect");
         });
     }
-    static bool StartsWith(const std::string& text, const char* start) { return text.rfind(start, 0) == 0; }
 
-    ModalScript modal;
-    MessageRecorder messages;
-    Screen screen;
-    ui::frmDeviceCofigurator& form = screen.form;
     QSignalSpy unloaded{&form, &ui::frmDeviceCofigurator::unloaded};
     bool portOpenAfterClose = false;
 };
@@ -94,11 +92,9 @@ TEST_F(ModuleScreen, EachRoadOfAFailingReadOrWrite) {
     form.cmdWriteConfig->click();
     ChooseMissingPort();
     form.cmdWriteConfig->click();
-    ASSERT_EQ(messages.texts.size(), 3u);
     // The system's reason follows on a second line.
-    EXPECT_TRUE(StartsWith(messages.texts[0], "CommPort Error\r\n")) << messages.texts[0];
-    EXPECT_EQ(messages.texts[1], "Cant find device in boot mode");
-    EXPECT_TRUE(StartsWith(messages.texts[2], "COMPort Error\r\n")) << messages.texts[2];
+    EXPECT_THAT(messages.texts, ElementsAre(StartsWith("CommPort Error\r\n"), "Cant find device in boot mode",
+                                            StartsWith("COMPort Error\r\n")));
     EXPECT_TRUE(form.isEnabled() && form.cmdWriteConfig->isEnabled() && form.cmdRdDevInfo->isEnabled());
 
     // A close during a read closes the port under it, and the program ends.

@@ -1,10 +1,6 @@
 #include "ScreenTesting.h"
 
-#include <QFile>
-#include <QLineEdit>
 #include <QMouseEvent>
-#include <QPlainTextEdit>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QStyle>
 #include <QStyleOptionViewItem>
@@ -61,15 +57,6 @@ ModalScript::Step EnterValue(const std::string& text, const char* button, const 
     };
 }
 
-void CatalogFolder::Write(const std::string& text) {
-    QFile file(QString::fromStdString(Path()));
-    file.remove();
-    if (!text.empty() && (!file.open(QIODevice::WriteOnly) || file.write(text.data(), qint64(text.size())) < 0))
-        throw std::runtime_error("cannot write the catalog");
-}
-
-std::string CatalogFolder::Path() const { return dir_.filePath(QStringLiteral("ConfigOptions.xml")).toStdString(); }
-
 Screen::Screen(const std::string& configOptionsPath) : form((Application(), configOptionsPath)) {
     form.show();
     if (!QTest::qWaitForWindowExposed(&form)) throw std::runtime_error("the main screen was not shown");
@@ -87,9 +74,8 @@ bool Screen::On(const std::string& key) { return Item(key)->checkState(0) == Qt:
 
 void Screen::Click(const std::string& key, bool onBox, bool twice) {
     QTreeWidgetItem* item = Item(key);
-    for (QTreeWidgetItem* up = item->parent(); up; up = up->parent()) up->setExpanded(true);
     QTreeWidget* view = form.tvOptions;
-    view->scrollToItem(item);
+    view->scrollToItem(item);  // expands the node's parents
     QApplication::processEvents();
     QStyleOptionViewItem option;
     option.initFrom(view->viewport());
@@ -101,16 +87,13 @@ void Screen::Click(const std::string& key, bool onBox, bool twice) {
     // Straight to the widget: the window system's double-click detection,
     // which goes by time and place, plays no part, so two clicks in a row
     // stay two clicks.
-    auto send = [&](QEvent::Type type) {
-        const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
-        QMouseEvent event(type, at, view->viewport()->mapToGlobal(at), Qt::LeftButton, held, Qt::NoModifier);
+    const QEvent::Type steps[] = {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick,
+                                  QEvent::MouseButtonRelease};
+    for (int step = 0; step < (twice ? 4 : 2); ++step) {
+        const Qt::MouseButtons held = steps[step] == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(steps[step], at, view->viewport()->mapToGlobal(at), Qt::LeftButton, held, Qt::NoModifier);
         QApplication::sendEvent(view->viewport(), &event);
-    };
-    send(QEvent::MouseButtonPress);
-    send(QEvent::MouseButtonRelease);
-    if (!twice) return;
-    send(QEvent::MouseButtonDblClick);
-    send(QEvent::MouseButtonRelease);
+    }
 }
 
 }  // namespace sb::test

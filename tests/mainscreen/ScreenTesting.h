@@ -1,12 +1,15 @@
 #pragma once
+#include <gtest/gtest.h>
+
 #include <QApplication>
 #include <QDialog>
-#include <QTemporaryDir>
 #include <QTreeWidget>
 #include <deque>
 #include <functional>
 #include <string>
 
+#include "../editing/TestCatalog.h"
+#include "../helpers/TempFolder.h"
 #include "MessageRecorder.h"
 #include "mainscreen/frmDeviceCofigurator.h"
 
@@ -41,17 +44,6 @@ void Click(QDialog& dialog, const char* button);
 // optionally switches a mode button first, and clicks cmdOK or cmdCancel.
 ModalScript::Step EnterValue(const std::string& text, const char* button = "cmdOK", const char* mode = nullptr);
 
-// A folder with ConfigOptions.xml; an empty text leaves the file out.
-class CatalogFolder {
-public:
-    explicit CatalogFolder(const std::string& text) { Write(text); }
-    void Write(const std::string& text);
-    std::string Path() const;
-
-private:
-    QTemporaryDir dir_;
-};
-
 // The main screen, shown on the offscreen platform.
 struct Screen {
     explicit Screen(const std::string& configOptionsPath = {});
@@ -69,6 +61,19 @@ struct Screen {
     void DoubleClickBox(const std::string& key) { Click(key, true, true); }
     void ClickText(const std::string& key) { Click(key, false, false); }
     void DoubleClick(const std::string& key) { Click(key, false, true); }
+};
+
+// A main screen whose dialogs and message boxes are scripted, with the test
+// catalog in its ConfigOptions.xml for the offline run.
+struct ScreenTest : ::testing::Test {
+    ScreenTest() { TempFolder::Write(ConfigOptions(), kTestCatalog); }
+    std::string ConfigOptions() const { return folder.File("ConfigOptions.xml"); }
+
+    TempFolder folder;
+    ModalScript modal;
+    MessageRecorder messages;
+    Screen screen{ConfigOptions()};
+    ui::frmDeviceCofigurator& form = screen.form;
 };
 
 }  // namespace sb::test
