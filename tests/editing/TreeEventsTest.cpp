@@ -5,7 +5,6 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "../helpers/TempFolder.h"
 #include "TestCatalog.h"
 #include "config/Catalog.h"
 #include "config/ConfigTool.h"
@@ -55,7 +54,7 @@ struct Forms final : ValueEditors {
 struct Gestures {
     explicit Gestures(const nlohmann::json& c) {
         std::string reason;
-        device.InfoFile = kTestCatalog;
+        device.InfoFile = TestCatalog();
         if (!LoadCatalog(device, reason)) throw std::runtime_error(reason);
         device.PredefCfgs.Items[0].DisabledMask = c.value("disabled", "0");
         device.CfgImage = device.PredefCfgs.Items.at(c.value("cfg", 0u)).Data;
@@ -100,8 +99,7 @@ struct Gestures {
 };
 
 TEST(TreeEvents, GesturesChangeTheImageAndTheBoxesAsTheCatalogSays) {
-    const auto cases = nlohmann::json::parse(TempFolder::Read(std::string(std::getenv("SB_SOURCE_DIR")) +
-                                                              "/tests/editing/tree-gestures.json"));
+    const auto cases = nlohmann::json::parse(TempFolder::Read(SourceFile("tests/editing/tree-gestures.json")));
     ASSERT_GT(cases.size(), 10u);
     for (const auto& c : cases) {
         SCOPED_TRACE(c["gestures"].get<std::string>() + " " + c.value("why", ""));

@@ -21,7 +21,7 @@ struct FileMenu : ScreenTest {
 
 TEST_F(FileMenu, OpenFillsTheScreenAndCompareListsTheChangedOption) {
     DeviceInfo module;
-    module.InfoFile = kTestCatalog;
+    module.InfoFile = TestCatalog();
     module.SN = "SN7";
     emit form.mnuFile->aboutToShow();
     EXPECT_FALSE(form.mnuSaveConfig->isEnabled());  // no working image yet

@@ -31,7 +31,7 @@ TEST_F(MainScreen, OfflineRunFillsTheScreenLikeAReadOrSaysWhyAndClearsIt) {
     EXPECT_TRUE(form.cmdWriteConfig->isEnabled());
     EXPECT_FALSE(form.cmdFWUpdate->isEnabled());
 
-    std::string text = kTestCatalog;
+    const std::string& text = TestCatalog();
     const struct {
         std::string catalog;  // empty: no file at all
         std::vector<std::string> messages;
@@ -50,7 +50,7 @@ TEST_F(MainScreen, OfflineRunFillsTheScreenLikeAReadOrSaysWhyAndClearsIt) {
         EXPECT_EQ(form.tvOptions->topLevelItemCount(), 0);
         EXPECT_EQ(screen.CfgEdited(), "");
         EXPECT_FALSE(form.cmdWriteConfig->isEnabled());
-        TempFolder::Write(ConfigOptions(), kTestCatalog);
+        TempFolder::Write(ConfigOptions(), TestCatalog());
     }
 }
 

@@ -13,6 +13,23 @@
 namespace sb::test {
 namespace {
 
+// The value box of a form, whichever it has.
+std::string Box(QDialog& dialog) {
+    if (auto* line = dialog.findChild<QLineEdit*>("txtOptValue")) return ui::Bytes(line->text());
+    return ui::Bytes(dialog.findChild<QPlainTextEdit*>("txtValue")->toPlainText());
+}
+
+// Step: puts the text into the value box of a form and clicks OK.
+ModalScript::Step EnterValue(const std::string& text) {
+    return [=](QDialog& dialog) {
+        if (auto* line = dialog.findChild<QLineEdit*>("txtOptValue"))
+            line->setText(ui::Latin1(text));
+        else
+            dialog.findChild<QPlainTextEdit*>("txtValue")->setPlainText(ui::Latin1(text));
+        Click(dialog, "cmdOK");
+    };
+}
+
 struct OptionEditing : ScreenTest {
     OptionEditing() { form.Command1->click(); }
 };
@@ -77,11 +94,6 @@ TEST_F(OptionEditing, TypingAnEntrysNameInTheListChangesNothing) {
     EXPECT_EQ(screen.CfgEdited(), kModuleImage);
 }
 
-// The value box of a form, whichever it has.
-std::string Box(QDialog& dialog) {
-    if (auto* line = dialog.findChild<QLineEdit*>("txtOptValue")) return ui::Bytes(line->text());
-    return ui::Bytes(dialog.findChild<QPlainTextEdit*>("txtValue")->toPlainText());
-}
 
 void Set(QDialog& dialog, const char* button) { dialog.findChild<QRadioButton*>(button)->setChecked(true); }
 

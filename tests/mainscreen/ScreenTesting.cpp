@@ -1,7 +1,6 @@
 #include "ScreenTesting.h"
 
 #include <QMouseEvent>
-#include <QRadioButton>
 #include <QStyle>
 #include <QStyleOptionViewItem>
 #include <QTest>
@@ -44,17 +43,6 @@ void Click(QDialog& dialog, const char* button) {
     auto* found = dialog.findChild<QPushButton*>(QLatin1String(button));
     if (!found) throw std::logic_error(std::string("no button ") + button);
     found->click();
-}
-
-ModalScript::Step EnterValue(const std::string& text, const char* button, const char* mode) {
-    return [=](QDialog& dialog) {
-        if (mode) dialog.findChild<QRadioButton*>(QLatin1String(mode))->setChecked(true);
-        if (auto* line = dialog.findChild<QLineEdit*>(QStringLiteral("txtOptValue")))
-            line->setText(ui::Latin1(text));
-        else
-            dialog.findChild<QPlainTextEdit*>(QStringLiteral("txtValue"))->setPlainText(ui::Latin1(text));
-        Click(dialog, button);
-    };
 }
 
 Screen::Screen(const std::string& configOptionsPath) : form((Application(), configOptionsPath)) {

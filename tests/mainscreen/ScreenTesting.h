@@ -9,7 +9,6 @@
 #include <string>
 
 #include "../editing/TestCatalog.h"
-#include "../helpers/TempFolder.h"
 #include "MessageRecorder.h"
 #include "mainscreen/frmDeviceCofigurator.h"
 
@@ -40,9 +39,6 @@ public:
 
 // Clicks the named button of a dialog.
 void Click(QDialog& dialog, const char* button);
-// Step: sets the value box (txtOptValue or txtValue) of a value edit form,
-// optionally switches a mode button first, and clicks cmdOK or cmdCancel.
-ModalScript::Step EnterValue(const std::string& text, const char* button = "cmdOK", const char* mode = nullptr);
 
 // The main screen, shown on the offscreen platform.
 struct Screen {
@@ -66,7 +62,7 @@ struct Screen {
 // A main screen whose dialogs and message boxes are scripted, with the test
 // catalog in its ConfigOptions.xml for the offline run.
 struct ScreenTest : ::testing::Test {
-    ScreenTest() { TempFolder::Write(ConfigOptions(), kTestCatalog); }
+    ScreenTest() { TempFolder::Write(ConfigOptions(), TestCatalog()); }
     std::string ConfigOptions() const { return folder.File("ConfigOptions.xml"); }
 
     TempFolder folder;
