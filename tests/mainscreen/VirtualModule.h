@@ -18,8 +18,9 @@ public:
         if (module_.Device().empty()) throw std::runtime_error("servicebay-module did not start");
     }
 
-    // A line of the module's state file, such as AppConfig.
-    std::string State(const std::string& key) const { return module_.State(key); }
+    // Whether a line of the module's state file, such as AppConfig, comes to
+    // read value: the module writes the file after its answer.
+    bool WaitForState(const std::string& key, const std::string& value) const { return module_.WaitForState(key, value); }
 
 private:
     std::vector<std::string> Arguments(const std::vector<std::string>& faults) const {
