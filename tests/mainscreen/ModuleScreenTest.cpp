@@ -10,9 +10,6 @@
 namespace sb::test {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::StartsWith;
-
 struct ModuleScreen : ScreenTest {
     // Picks the port, and closes the window in the wait that follows.
     void CloseDuringTheAction() {
@@ -86,8 +83,9 @@ TEST_F(ModuleScreen, EachRoadOfAFailingReadOrWrite) {
     form.cmdWriteConfig->click();
     form.cmdWriteConfig->click();  // the module answers "ok"
     // The system's reason follows on a second line.
-    EXPECT_THAT(messages.texts, ElementsAre(StartsWith("CommPort Error\r\n"), "Cant find device in boot mode",
-                                            StartsWith("COMPort Error\r\n"), "Error! Config was not set !"));
+    EXPECT_THAT(messages.texts,
+                ::testing::ElementsAre(::testing::StartsWith("CommPort Error\r\n"), "Cant find device in boot mode",
+                                       ::testing::StartsWith("COMPort Error\r\n"), "Error! Config was not set !"));
     EXPECT_TRUE(form.isEnabled() && form.cmdWriteConfig->isEnabled() && form.cmdRdDevInfo->isEnabled());
 
     // A close during a read closes the port under it, and the program ends.
