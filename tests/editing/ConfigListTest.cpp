@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "editing/ConfigList.h"
+#include "helpers/HexText.h"
 
 namespace sb {
 namespace {
@@ -21,23 +22,20 @@ std::string Fields(const PredefCfg& c) {
     return c.Name + "|" + c.Info + "|" + c.ExtraMask + "|" + c.DisabledMask + "|" + c.VisibleMask + "|" + c.Id;
 }
 
-TEST(ReadedConfig, IsAppendedWithInfoAndMasksOfTheFirstEntryOfItsId) {
-    DeviceInfo device = CatalogOfFiveBytes("78 56 34 12 0c");
-    ASSERT_EQ(AppendReadedConfig(device), ReadedConfig::Appended);
-    EXPECT_EQ(Fields(device.PredefCfgs.Items.at(3)), "READED CONFIG|second|E2|01|03|12345678");
-    EXPECT_EQ(device.PredefCfgs.Items[3].Data, std::string("\x78\x56\x34\x12\x0C", 5));
-    EXPECT_EQ(device.AppConfig, "785634120C");
-
-    device = CatalogOfFiveBytes("0x0100000000");
-    ASSERT_EQ(AppendReadedConfig(device), ReadedConfig::Appended);
-    EXPECT_EQ(Fields(device.PredefCfgs.Items.at(3)), "READED CONFIG|No info about configuration|0|0|0|00000001");
-}
-
-TEST(ReadedConfig, AnythingButTwoDigitsAByteIsTheWrongLength) {
-    for (const char* answer : {"No answer", "", "785634120C00", "785634120", "Error!"}) {
+// The entry that the module's answer adds: its fields, its data and the
+// answer as hex text, with info and masks of the first entry of its Id; none
+// for an answer that is not two hex digits a byte.
+TEST(ReadedConfig, IsAppendedWithInfoAndMasksOfTheFirstEntryOfItsIdOrNotAtAll) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"78 56 34 12 0c", "READED CONFIG|second|E2|01|03|12345678|785634120C|785634120C"},
+        {"0x0100000000", "READED CONFIG|No info about configuration|0|0|0|00000001|0100000000|0100000000"},
+        {"No answer", ""}, {"", ""}, {"785634120C00", ""}, {"785634120", ""}, {"Error!", ""}};
+    for (const auto& [answer, readed] : cases) {
         DeviceInfo device = CatalogOfFiveBytes(answer);
-        EXPECT_EQ(AppendReadedConfig(device), ReadedConfig::WrongLength) << answer;
-        EXPECT_EQ(device.PredefCfgs.Count(), 3);
+        EXPECT_EQ(AppendReadedConfig(device), *readed ? ReadedConfig::Appended : ReadedConfig::WrongLength) << answer;
+        const auto& items = device.PredefCfgs.Items;
+        const std::string added = items.size() > 3 ? Fields(items[3]) + "|" + BytesToHex(items[3].Data) : "";
+        EXPECT_EQ(added.empty() ? added : added + "|" + device.AppConfig, readed) << answer;
     }
 }
 

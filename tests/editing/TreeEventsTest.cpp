@@ -2,6 +2,7 @@
 // clicks on check boxes, double clicks, a box turned by the keyboard.
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "TestCatalog.h"
@@ -43,46 +44,21 @@ struct Forms final : ValueEditors {
     std::string Open(S form, S v) { opened += form + " " + v; return entry.empty() ? v : entry; }
 };
 
-struct Case {
-    const char* gestures;  // c: click on the box, k: box turned by the keyboard, s: click on the text,
-                           // d: double click (on the selection when no node is named)
-    const char* image;     // txtCfgEdited afterwards
-    const char* opened = "";
-    const char* selected = "";
-    const char* boxes = "";      // "2.2+ 2.1-": ticked and bold, or empty
-    int cfg = 0;                 // 0 "Module", 2 "Car"
-    const char* disabled = "0";  // DisabledMask of "Module"
-    const char* entry = "";
-};
-
-const Case kCases[] = {
-    {"c2.2", "000000000F22415A", "", "2.2", "2.2+ 2.1-"},
-    {"k2.0 c2.1", "000000000F21415A", "", "2.1", "2.1+ 2.0-"},  // the ticked entry stays ticked
-    {"c3.0", "000000000F31415A", "", "3.0", "3.0+ 3.1+ 3.2+"},
-    {"c3.2 c3.2", "000000000F11415A", "", "3.2", "3.0+ 3.1- 3.2-"},
-    {"c2.0", "0400000014020058", "", "", "2.2+ 2.0-", 2},  // a locked list refuses another entry
-    {"c3.0", "000000000F21415A", "", "3.0", "3.0- 3.1+ 3.2-", 0, "08"},  // a locked bit field falls back
-    {"c2.1", "000000000F21415A", "", "2.1", "2.1+", 0, "04"},  // a locked list takes its own entry
-    {"croot", "000000000F21415A", "", "", "root-"},
-    {"c1", "000000001221415A", "INT Limit 00000010 00000020 0000000F", "", "1-", 0, "0", "12"},
-    {"c4 c2", "000000000F21415A", "", "", "4- 2-"},  // only the box of an INT without a list opens a form
-    {"d4", "000000000F217E5A", "BIN Key 1 41", "", "", 0, "0", "7E"},
-    {"d5", "000000000F214151", "STR Tag 1 Z", "", "", 0, "0", "Q"},
-    {"d1 d2 d3", "000000000F21415A", "", "", "", 0, "02"},  // locked, a list, a bit field
-    {"d2.0", "000000000F21415A", "", "2.0", "2.1+"},
-    {"droot d", "000000000F21415A"},
-    {"c2.2 s2.0", "000000000F22415A", "", "2.0", "2.2+"},  // a click on a text applies nothing
-    {"k2.2 d2.0", "000000000F21415A", "", "2.0", "2.1+"},  // the MouseUp that ends a double click
-};
-
+// One case of tree-gestures.json: the catalog's configuration cfg (0
+// "Module", 2 "Car") with the DisabledMask disabled for "Module", and the
+// gestures, each a letter and a node ("root", "2" for option 2, "2.1" for its
+// value 1): c a click on the box, k the box turned by the keyboard, s a click
+// on the text, d a double click (on the selection when no node is named).
+// Afterwards the image, the forms opened, the selection and the boxes
+// ("2.2+ 2.1-": ticked and bold, or neither) are as the case says.
 struct Gestures {
-    explicit Gestures(const Case& c) {
+    explicit Gestures(const nlohmann::json& c) {
         std::string reason;
-        device.InfoFile = kTestCatalog;
+        device.InfoFile = TestCatalog();
         if (!LoadCatalog(device, reason)) throw std::runtime_error(reason);
-        device.PredefCfgs.Items[0].DisabledMask = c.disabled;
-        device.CfgImage = device.PredefCfgs.Items[static_cast<size_t>(c.cfg)].Data;
-        forms.entry = c.entry;
+        device.PredefCfgs.Items[0].DisabledMask = c.value("disabled", "0");
+        device.CfgImage = device.PredefCfgs.Items.at(c.value("cfg", 0u)).Data;
+        forms.entry = c.value("entry", "");
         Show();
     }
 
@@ -101,7 +77,6 @@ struct Gestures {
         }
     }
 
-    // "root", "2" for option 2, "2.1" for its value 1.
     TreeNode* Node(S name) {
         const size_t dot = name.find('.');
         const std::string value = dot == std::string::npos ? "" : "_VALUE" + Uint32ToHex(std::stoi(name.substr(dot + 1)));
@@ -124,14 +99,17 @@ struct Gestures {
 };
 
 TEST(TreeEvents, GesturesChangeTheImageAndTheBoxesAsTheCatalogSays) {
-    for (const Case& c : kCases) {
-        SCOPED_TRACE(c.gestures);
+    const auto cases = nlohmann::json::parse(TempFolder::Read(SourceFile("tests/editing/tree-gestures.json")));
+    ASSERT_GT(cases.size(), 10u);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c["gestures"].get<std::string>() + " " + c.value("why", ""));
         Gestures run(c);
-        run.Play(c.gestures);
-        EXPECT_EQ(run.shown, c.image);
-        EXPECT_EQ(run.forms.opened, c.opened);
-        EXPECT_EQ(run.tree.selected, *c.selected ? run.Node(c.selected) : nullptr);
-        std::istringstream boxes(c.boxes);
+        run.Play(c["gestures"]);
+        EXPECT_EQ(run.shown, c["image"]);
+        EXPECT_EQ(run.forms.opened, c.value("opened", ""));
+        const std::string selected = c.value("selected", "");
+        EXPECT_EQ(run.tree.selected, selected.empty() ? nullptr : run.Node(selected));
+        std::istringstream boxes(c.value("boxes", ""));
         for (std::string box; boxes >> box;) {
             const MemoryTreeNode& node = TestTree::Of(*run.Node(box.substr(0, box.size() - 1)));
             const bool on = box.back() == '+';

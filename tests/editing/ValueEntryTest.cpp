@@ -17,21 +17,17 @@ std::string Outcome(const EntryCheck& check) {
 }
 
 TEST(IntValueEntry, EntryIsHeldAgainstTheRangeInTheFormsRadix) {
-    // Range 10..20 hex (16..32 decimal); the last good value is 00000011.
-    const struct {
-        Radix radix;
-        std::string entry;
-        const char* outcome;
-    } cases[] = {
+    // Radix, entry, outcome: range 10..20 hex (16..32 decimal), the last good value 00000011.
+    const std::tuple<Radix, std::string, const char*> cases[] = {
         {Radix::Hex, "10", "10"}, {Radix::Hex, "20", "20"}, {Radix::Hex, "1f", "1F"},
         {Radix::Hex, "0F", "00000011|00000011"}, {Radix::Hex, "21", "00000011|00000011"},
         {Radix::Hex, "0x10", "00000011|00000011"}, {Radix::Hex, "", "00000011|00000011"},
         {Radix::Dec, "16", "00000010"}, {Radix::Dec, "15", "00000011|17"}, {Radix::Dec, "99999999999", "00000011|17"},
         {Radix::Dec, "16.0", "00000011|17"}, {Radix::Dec, std::string(400, '9'), "00000011|17"},
     };
-    for (const auto& c : cases) {
-        const IntBoxes boxes = c.radix == Radix::Hex ? IntBoxes{"00000010", "00000020", c.entry} : IntBoxes{"16", "32", c.entry};
-        EXPECT_EQ(Outcome(CheckIntEntry(c.radix, boxes, "00000011")), c.outcome) << c.entry;
+    for (const auto& [radix, entry, outcome] : cases) {
+        const IntBoxes boxes = radix == Radix::Hex ? IntBoxes{"00000010", "00000020", entry} : IntBoxes{"16", "32", entry};
+        EXPECT_EQ(Outcome(CheckIntEntry(radix, boxes, "00000011")), outcome) << entry;
     }
     // Nine digits, whatever the range; a range upside down refuses all.
     EXPECT_FALSE(CheckIntEntry(Radix::Hex, {"00000000", "FFFFFFFF", "000000001"}, "0").Accepted);

@@ -1,30 +1,19 @@
 #include "ScreenTesting.h"
 
-#include <QFile>
-#include <QLineEdit>
-#include <QMouseEvent>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QRadioButton>
 #include <QStyle>
 #include <QStyleOptionViewItem>
-#include <QTest>
-#include <stdexcept>
 
-#include "helpers/Waiting.h"
-#include "ui/Latin1.h"
-#include "ui/ModalDialog.h"
 #include "ui/QtWaitContext.h"
 
 namespace sb::test {
 
+// Never destroyed: widgets of the program's own may outlive the tests.
 QApplication& Application() {
     static int argc = 1;
     static char name[] = "screen_test";
     static char* argv[] = {name, nullptr};
     static QApplication* app = [] {
         auto* made = new QApplication(argc, argv);
-        QApplication::setApplicationDisplayName(QStringLiteral("ServiceBay"));
         static ui::QtWaitContext waits;
         SetWaitContext(&waits);
         return made;
@@ -32,64 +21,10 @@ QApplication& Application() {
     return *app;
 }
 
-ModalScript::ModalScript() {
-    ui::SetModalHandler([this](QDialog& dialog) {
-        shown.push_back(dialog.objectName().toStdString());
-        if (steps.empty()) return;
-        Step step = std::move(steps.front());
-        steps.pop_front();
-        step(dialog);
-    });
-}
-
-ModalScript::~ModalScript() { ui::SetModalHandler({}); }
-
-void Click(QDialog& dialog, const char* button) {
-    auto* found = dialog.findChild<QPushButton*>(QLatin1String(button));
-    if (!found) throw std::logic_error(std::string("no button ") + button);
-    found->click();
-}
-
-ModalScript::Step EnterValue(const std::string& text, const char* button, const char* mode) {
-    return [=](QDialog& dialog) {
-        if (mode) dialog.findChild<QRadioButton*>(QLatin1String(mode))->setChecked(true);
-        if (auto* line = dialog.findChild<QLineEdit*>(QStringLiteral("txtOptValue")))
-            line->setText(ui::Latin1(text));
-        else
-            dialog.findChild<QPlainTextEdit*>(QStringLiteral("txtValue"))->setPlainText(ui::Latin1(text));
-        Click(dialog, button);
-    };
-}
-
-void CatalogFolder::Write(const std::string& text) {
-    QFile file(QString::fromStdString(Path()));
-    file.remove();
-    if (!text.empty() && (!file.open(QIODevice::WriteOnly) || file.write(text.data(), qint64(text.size())) < 0))
-        throw std::runtime_error("cannot write the catalog");
-}
-
-std::string CatalogFolder::Path() const { return dir_.filePath(QStringLiteral("ConfigOptions.xml")).toStdString(); }
-
-Screen::Screen(const std::string& configOptionsPath) : form((Application(), configOptionsPath)) {
-    form.show();
-    if (!QTest::qWaitForWindowExposed(&form)) throw std::runtime_error("the main screen was not shown");
-}
-
-QTreeWidgetItem* Screen::Item(const std::string& key) {
-    TreeNode* node = form.Tree().Find(key);
-    if (!node) throw std::out_of_range("no node " + key);
-    return form.Tree().ItemOf(*node);
-}
-
-std::string Screen::Text(const std::string& key) { return ui::Bytes(Item(key)->text(0)); }
-
-bool Screen::On(const std::string& key) { return Item(key)->checkState(0) == Qt::Checked && Item(key)->font(0).bold(); }
-
 void Screen::Click(const std::string& key, bool onBox, bool twice) {
     QTreeWidgetItem* item = Item(key);
-    for (QTreeWidgetItem* up = item->parent(); up; up = up->parent()) up->setExpanded(true);
     QTreeWidget* view = form.tvOptions;
-    view->scrollToItem(item);
+    view->scrollToItem(item);  // expands the node's parents
     QApplication::processEvents();
     QStyleOptionViewItem option;
     option.initFrom(view->viewport());
@@ -98,19 +33,12 @@ void Screen::Click(const std::string& key, bool onBox, bool twice) {
     const QRect box = view->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, view);
     // Well right of the box for the text.
     const QPoint at = onBox ? box.center() : QPoint(option.rect.center().x(), box.center().y());
-    // Straight to the widget: the window system's double-click detection,
-    // which goes by time and place, plays no part, so two clicks in a row
-    // stay two clicks.
-    auto send = [&](QEvent::Type type) {
-        const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
-        QMouseEvent event(type, at, view->viewport()->mapToGlobal(at), Qt::LeftButton, held, Qt::NoModifier);
-        QApplication::sendEvent(view->viewport(), &event);
-    };
-    send(QEvent::MouseButtonPress);
-    send(QEvent::MouseButtonRelease);
+    // Straight to the widget, so the window system's double-click detection
+    // plays no part: two clicks in a row stay two clicks.
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, at);
     if (!twice) return;
-    send(QEvent::MouseButtonDblClick);
-    send(QEvent::MouseButtonRelease);
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseRelease(view->viewport(), Qt::LeftButton, {}, at);
 }
 
 }  // namespace sb::test

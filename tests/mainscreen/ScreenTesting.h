@@ -1,14 +1,23 @@
 #pragma once
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <QApplication>
 #include <QDialog>
-#include <QTemporaryDir>
+#include <QRadioButton>
+#include <QSignalSpy>
+#include <QTest>
 #include <QTreeWidget>
 #include <deque>
 #include <functional>
+#include <stdexcept>
 #include <string>
 
+#include "../editing/TestCatalog.h"
 #include "MessageRecorder.h"
 #include "mainscreen/frmDeviceCofigurator.h"
+#include "ui/Latin1.h"
+#include "ui/ModalDialog.h"
 
 // What the screen tests share: one application with the Qt event loop as the
 // wait context, modal dialogs worked by scripted steps instead of a person,
@@ -24,8 +33,16 @@ QApplication& Application();
 class ModalScript {
 public:
     using Step = std::function<void(QDialog& dialog)>;
-    ModalScript();
-    ~ModalScript();
+    ModalScript() {
+        ui::SetModalHandler([this](QDialog& dialog) {
+            shown.push_back(dialog.objectName().toStdString());
+            if (steps.empty()) return;
+            Step step = std::move(steps.front());
+            steps.pop_front();
+            step(dialog);
+        });
+    }
+    ~ModalScript() { ui::SetModalHandler({}); }
     ModalScript(const ModalScript&) = delete;
     ModalScript& operator=(const ModalScript&) = delete;
 
@@ -36,30 +53,27 @@ public:
 };
 
 // Clicks the named button of a dialog.
-void Click(QDialog& dialog, const char* button);
-// Step: sets the value box (txtOptValue or txtValue) of a value edit form,
-// optionally switches a mode button first, and clicks cmdOK or cmdCancel.
-ModalScript::Step EnterValue(const std::string& text, const char* button = "cmdOK", const char* mode = nullptr);
-
-// A folder with ConfigOptions.xml; an empty text leaves the file out.
-class CatalogFolder {
-public:
-    explicit CatalogFolder(const std::string& text) { Write(text); }
-    void Write(const std::string& text);
-    std::string Path() const;
-
-private:
-    QTemporaryDir dir_;
-};
+inline void Click(QDialog& dialog, const char* button) {
+    auto* found = dialog.findChild<QPushButton*>(QLatin1String(button));
+    if (!found) throw std::logic_error(std::string("no button ") + button);
+    found->click();
+}
 
 // The main screen, shown on the offscreen platform.
 struct Screen {
-    explicit Screen(const std::string& configOptionsPath = {});
+    explicit Screen(const std::string& configOptionsPath = {}) : form((Application(), configOptionsPath)) {
+        form.show();
+        if (!QTest::qWaitForWindowExposed(&form)) throw std::runtime_error("the main screen was not shown");
+    }
     ui::frmDeviceCofigurator form;
 
-    QTreeWidgetItem* Item(const std::string& key);
-    std::string Text(const std::string& key);
-    bool On(const std::string& key);  // ticked and bold
+    QTreeWidgetItem* Item(const std::string& key) {
+        TreeNode* node = form.Tree().Find(key);
+        return node ? form.Tree().ItemOf(*node) : throw std::out_of_range("no node " + key);
+    }
+    std::string Text(const std::string& key) { return ui::Bytes(Item(key)->text(0)); }
+    // Ticked and bold.
+    bool On(const std::string& key) { return Item(key)->checkState(0) == Qt::Checked && Item(key)->font(0).bold(); }
     std::string CfgEdited() const { return form.CfgEditedText(); }
 
     // Mouse clicks as a person makes them, on a node's check box or on its
@@ -69,6 +83,19 @@ struct Screen {
     void DoubleClickBox(const std::string& key) { Click(key, true, true); }
     void ClickText(const std::string& key) { Click(key, false, false); }
     void DoubleClick(const std::string& key) { Click(key, false, true); }
+};
+
+// A main screen whose dialogs and message boxes are scripted, with the test
+// catalog in its ConfigOptions.xml for the offline run.
+struct ScreenTest : ::testing::Test {
+    ScreenTest() { TempFolder::Write(ConfigOptions(), TestCatalog()); }
+    std::string ConfigOptions() const { return folder.File("ConfigOptions.xml"); }
+
+    TempFolder folder;
+    ModalScript modal;
+    MessageRecorder messages;
+    Screen screen{ConfigOptions()};
+    ui::frmDeviceCofigurator& form = screen.form;
 };
 
 }  // namespace sb::test

@@ -7,9 +7,10 @@
 
 namespace sb::test {
 
-// servicebay-module in its boot loader, serving the screen tests' catalog,
-// in a registry folder of its own: the screens of this test program see this
-// module and no other, also while other tests run beside it.
+// servicebay-module in its boot loader with module.profile, serving the
+// screen tests' catalog, in a registry folder of its own: the screens of this
+// test program see this module and no other, also while other tests run
+// beside it.
 class VirtualModule {
 public:
     // faults: switches of servicebay-module, such as "--silent".
@@ -17,20 +18,15 @@ public:
         if (module_.Device().empty()) throw std::runtime_error("servicebay-module did not start");
     }
 
-    // A line of the module's state file, such as AppConfig.
-    std::string State(const std::string& key) const { return module_.State(key); }
+    // Whether a line of the module's state file, such as AppConfig, comes to
+    // read value: the module writes the file after its answer.
+    bool WaitForState(const std::string& key, const std::string& value) const { return module_.WaitForState(key, value); }
 
 private:
     std::vector<std::string> Arguments(const std::vector<std::string>& faults) const {
-        TempFolder::Write(folder_.File("catalog.xml"), kTestCatalog);
-        TempFolder::Write(folder_.File("module.profile"),
-                          "GETSN = SN0042\nGETVER = 1.2.3\nGETNAME = Test module\nGETPDATE = 01.02.2024\n"
-                          "GETVIN = VIN0000000000042\nGETAPPNAME = TESTAPP\nGETAPPVER = 4.5.6\nGETHWVER = HW 7\n"
-                          "GETAPPINFO = \"  first line\\r\\nsecond line\"\nGETUID = 0123456789ABCDEF\n"
-                          "GETAPPCFG = " + std::string(kModuleImage) + "\nCatalogFile = catalog.xml\n");
         // The screens find the module through this folder.
         ::setenv("SERVICEBAY_REGISTRY", folder_.File("registry").c_str(), 1);
-        std::vector<std::string> args = {"--profile", folder_.File("module.profile"), "--boot"};
+        std::vector<std::string> args = {"--profile", SourceFile("tests/mainscreen/module.profile"), "--boot"};
         args.insert(args.end(), faults.begin(), faults.end());
         return args;
     }

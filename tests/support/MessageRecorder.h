@@ -1,5 +1,4 @@
 #pragma once
-#include <deque>
 #include <string>
 #include <vector>
 
@@ -8,16 +7,13 @@
 namespace sb::test {
 
 // Takes the place of the message box for its lifetime: keeps each text and
-// answers from a script (OK when the script is used up).
+// answers OK.
 class MessageRecorder {
 public:
     MessageRecorder() {
-        ui::SetMessageHandler([this](const std::string& text, ui::MessageButtons buttons) {
+        ui::SetMessageHandler([this](const std::string& text, ui::MessageButtons) {
             texts.push_back(text);
-            if (answers.empty()) return ui::MessageAnswer::Ok;
-            const auto answer = answers.front();
-            answers.pop_front();
-            return answer;
+            return ui::MessageAnswer::Ok;
         });
     }
     ~MessageRecorder() { ui::SetMessageHandler({}); }
@@ -25,7 +21,6 @@ public:
     MessageRecorder& operator=(const MessageRecorder&) = delete;
 
     std::vector<std::string> texts;
-    std::deque<ui::MessageAnswer> answers;
 };
 
 }  // namespace sb::test

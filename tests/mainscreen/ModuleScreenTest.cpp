@@ -1,18 +1,16 @@
-// "Read info" and "Write" against the virtual module on a pseudo-terminal.
-#include <gtest/gtest.h>
-
+// "Read info" and "Write" against the virtual module on a pseudo-terminal,
+// with the history that a read feeds and the check of a write.
 #include <QMenuBar>
-#include <QSignalSpy>
 #include <QTimer>
 
 #include "ScreenTesting.h"
-#include "TestCatalog.h"
 #include "VirtualModule.h"
+#include "configfiles/ConfigHistory.h"
 
 namespace sb::test {
 namespace {
 
-struct ModuleScreen : ::testing::Test {
+struct ModuleScreen : ScreenTest {
     // Picks the port, and closes the window in the wait that follows.
     void CloseDuringTheAction() {
         modal.Then([&](QDialog& dialog) {
@@ -30,12 +28,7 @@ struct ModuleScreen : ::testing::Test {
             Click(dialog, "cmdSelect");
         });
     }
-    static bool StartsWith(const std::string& text, const char* start) { return text.rfind(start, 0) == 0; }
 
-    ModalScript modal;
-    MessageRecorder messages;
-    Screen screen;
-    ui::frmDeviceCofigurator& form = screen.form;
     QSignalSpy unloaded{&form, &ui::frmDeviceCofigurator::unloaded};
     bool portOpenAfterClose = false;
 };
@@ -51,9 +44,6 @@ TEST_F(ModuleScreen, ReadFillsTheScreenAndWriteSendsTheEditedImage) {
     for (const auto& [box, text] : boxes) EXPECT_EQ(box->text(), text) << box->objectName().toStdString();
     EXPECT_EQ(form.txtAppInfo->toPlainText(), "  first line\nsecond line");  // as it came
     EXPECT_EQ(form.txtAppConfig->toPlainText(), kModuleImage);
-    EXPECT_EQ(form.cmbConfigList->currentText(), "READED CONFIG");
-    EXPECT_TRUE(form.cmdFWUpdate->isEnabled() && form.cmdWriteConfig->isEnabled() && form.cmdSelPredefCfg->isEnabled());
-    EXPECT_FALSE(form.ComPort().PortOpen());
     // The last status text stays, also when the Tools menu opens.
     form.menuBar()->setActiveAction(form.mnuTools->menuAction());
     form.mnuTools->setActiveAction(form.mnuEditor);
@@ -71,34 +61,31 @@ TEST_F(ModuleScreen, ReadFillsTheScreenAndWriteSendsTheEditedImage) {
     form.cmdWriteConfig->click();
     EXPECT_TRUE(portOpenAfterClose);
     EXPECT_EQ(messages.texts, std::vector<std::string>{"Config written successfully!"});
-    EXPECT_EQ(module.State("AppConfig"), "000000000F22415A");
-    EXPECT_FALSE(form.ComPort().PortOpen());
+    EXPECT_TRUE(module.WaitForState("AppConfig", "000000000F22415A"));
     EXPECT_EQ(form.txtAppConfig->toPlainText(), kModuleImage);  // nothing is read back
     EXPECT_EQ(unloaded.count(), 1);
     EXPECT_FALSE(form.isVisible());
 }
 
 TEST_F(ModuleScreen, EachRoadOfAFailingReadOrWrite) {
-    VirtualModule module;
+    VirtualModule module({"--lowercase-ok"});
     modal.Then([](QDialog& dialog) { Click(dialog, "cmdCancel"); });
     form.cmdRdDevInfo->click();  // ends without a word
-    EXPECT_TRUE(messages.texts.empty());
     EXPECT_TRUE(form.cmdFWUpdate->isEnabled());  // after the first read, whatever its road
     EXPECT_EQ(form.StatusBar->currentMessage(), "Scan for connected devices");
     ChooseMissingPort();
     form.cmdRdDevInfo->click();
-    EXPECT_EQ(form.txtSN->text(), "");
 
     form.cmdRdDevInfo->click();
     modal.Then([](QDialog& dialog) { Click(dialog, "cmdCancel"); });
     form.cmdWriteConfig->click();
     ChooseMissingPort();
     form.cmdWriteConfig->click();
-    ASSERT_EQ(messages.texts.size(), 3u);
+    form.cmdWriteConfig->click();  // the module answers "ok"
     // The system's reason follows on a second line.
-    EXPECT_TRUE(StartsWith(messages.texts[0], "CommPort Error\r\n")) << messages.texts[0];
-    EXPECT_EQ(messages.texts[1], "Cant find device in boot mode");
-    EXPECT_TRUE(StartsWith(messages.texts[2], "COMPort Error\r\n")) << messages.texts[2];
+    EXPECT_THAT(messages.texts,
+                ::testing::ElementsAre(::testing::StartsWith("CommPort Error\r\n"), "Cant find device in boot mode",
+                                       ::testing::StartsWith("COMPort Error\r\n"), "Error! Config was not set !"));
     EXPECT_TRUE(form.isEnabled() && form.cmdWriteConfig->isEnabled() && form.cmdRdDevInfo->isEnabled());
 
     // A close during a read closes the port under it, and the program ends.
@@ -106,16 +93,23 @@ TEST_F(ModuleScreen, EachRoadOfAFailingReadOrWrite) {
     form.cmdRdDevInfo->click();
     EXPECT_FALSE(portOpenAfterClose);
     EXPECT_EQ(unloaded.count(), 1);
-    EXPECT_EQ(messages.texts.size(), 3u);
+    EXPECT_EQ(messages.texts.size(), 4u);
 }
 
-TEST_F(ModuleScreen, WrongLengthTakesTheLastEntryAndAnAnswerButOkIsNoSuccess) {
-    VirtualModule module({"--config-length=7", "--lowercase-ok"});
+TEST_F(ModuleScreen, AReadIsKeptAndVerifyNamesWhatTheModuleDidNotTake) {
+    VirtualModule module({"--ignore-config-writes"});
     form.cmdRdDevInfo->click();
-    EXPECT_EQ(form.cmbConfigList->count(), 3);
-    EXPECT_EQ(screen.CfgEdited(), kCarImage);
-    form.cmdWriteConfig->click();  // the module answers "ok"
-    EXPECT_EQ(messages.texts, (std::vector<std::string>{"Module has wrong configuration", "Error! Config was not set !"}));
+    const auto history = ListHistory(HistoryRoot());
+    ASSERT_FALSE(history.empty());
+    EXPECT_EQ(history.front().SN, "SN0042");
+
+    screen.ClickBox("OPTION00000002_VALUE00000000");  // Off
+    form.mnuVerifyWrite->setChecked(true);
+    form.cmdWriteConfig->click();
+    form.mnuVerifyWrite->setChecked(false);
+    EXPECT_EQ(messages.texts, std::vector<std::string>{
+                                  "The module holds another configuration than the one written:\r\n Mode:Off -> On"});
+    EXPECT_FALSE(form.ComPort().PortOpen());
 }
 
 }  // namespace
