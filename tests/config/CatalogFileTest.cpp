@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "../helpers/TempFolder.h"
 #include "CatalogText.h"
 #include "config/CatalogFile.h"
 

@@ -1,6 +1,9 @@
 #pragma once
+#include <cstdlib>
+#include <nlohmann/json.hpp>
 #include <string>
 
+#include "../helpers/TempFolder.h"
 #include "config/Catalog.h"
 #include "config/Types.h"
 
@@ -9,11 +12,6 @@ namespace sb::test {
 // A catalog document of the given option list and configurations.
 inline std::string CatalogXml(const std::string& cfgLen, const std::string& options, const std::string& cfgs) {
     return "<CFG><OPTS L=\"" + cfgLen + "\">" + options + "</OPTS><PDF>" + cfgs + "</PDF></CFG>";
-}
-
-// A configuration element of CfgLen 5 (10 digits).
-inline std::string Cfg5(const std::string& attributes = "", const std::string& data = "0000000000") {
-    return "<C " + attributes + ">" + data + "</C>";
 }
 
 struct LoadResult {
@@ -27,6 +25,11 @@ inline LoadResult Load(const std::string& xml) {
     result.device.InfoFile = xml;
     result.ok = LoadCatalog(result.device, result.reason);
     return result;
+}
+
+// The cases of a file beside these tests.
+inline nlohmann::json TestCases(const std::string& name) {
+    return nlohmann::json::parse(TempFolder::Read(std::string(std::getenv("SB_SOURCE_DIR")) + "/tests/config/" + name));
 }
 
 // A list entry with its text and value alone.
