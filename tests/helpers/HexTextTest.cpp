@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "TempFolder.h"
 #include "helpers/HexText.h"
 #include "helpers/Overflow.h"
 
@@ -12,38 +13,26 @@ namespace {
 
 using namespace std::string_literals;
 
-// Each pair: what a call gave and what its rule says.
+// The conversions between numbers, bytes and their texts: the cases of
+// hex-cases.json, and here those of bytes and of lengths.
 TEST(HexText, TextsFollowTheirRules) {
-    const std::string zeros(398, '0');
-    const std::vector<std::pair<std::string, std::string>> cases = {
-        {BytesToHexSpaced("\x0A"), "0A"}, {BytesToHexSpaced("\0\xFF\x01"s), "00 FF 01"},
-        {BytesToHex("\x12\xab"), "12AB"}, {NumberToHex("&h1F", 2, true), "001F"},
-        {NumberToHex("abc", 2, true), "0000"}, {NumberToHex("1.9", 1, true), "01"},
-        {NumberToHex("305419896", 4, false), "78563412"}, {NumberToHex("5000000000", 4, true), "2A05F200"},
-        {NumberToHex("4294967295", 4, false), "FFFFFFFF"}, {NumberToHex("2147483647", 1, true), "FF"},
-        {NumberToHex("300", 2, true), "012C"}, {NumberToHex("300", 2, false), "2C01"},
-        {NumberToHex("300", 0, true), ""}, {NumberToHex("-1.9", 2, true), "FFFF"},
-        {NumberToHex("-256", 2, false), "00FF"}, {NumberToHex("1", 200, false), "01" + zeros},
-        {HexToNumber("1234", 1, true), "18"}, {HexToNumber("ABC", 2, true), "2748"},
-        {HexToNumber("ABC", 2, false), "49323"}, {HexToNumber("ffffffff", 4, false), "4294967295"},
-        {HexToNumber("", 4, true), "0"}, {HexToNumber("0x 12 34", 2, true), "4660"},
-        {HexToNumber("12 0x34", 2, true), "4608"}, {HexToNumber("12345678", 4, false), "2018915346"},
-        {HexToNumber("G1", 1, true), "0"}, {HexToNumber("1G", 1, true), "1"},
-        {HexToNumber("FF", -3, true), "0"}, {HexToNumber("FFFFFFFFFFFFFFFF", 8, true), "1.84467440737096E+19"},
-        {HexToNumber("01" + zeros, 200, false), "1"},  // weights beyond the double range
-        {NormalizeHex("0x12 0x34\r\n"), "1234"}, {NormalizeHex("10X2"), "12"}, {NormalizeHex("12 3G"), ""},
-        {NormalizeHex("   "), ""}, {NormalizeHex("\tab\tcd"), "ABCD"}, {NormalizeHex("0\tx1"), "1"},
-        {NormalizeHex("00XX"), ""},  // one pass leaves 0X
-        {Uint32ToHex(255), "000000FF"}, {Uint32ToHex(1.9), "00000001"}, {Uint32ToBytes(258), "\x02\x01\0\0"s},
-        {Uint32ToHex(4294967295.9999999), "00000000"},  // its decimal text rounds it to 2^32
-    };
-    for (size_t i = 0; i < cases.size(); ++i) EXPECT_EQ(cases[i].first, cases[i].second) << "case " << i;
+    const auto cases = test::TestCases("helpers/hex-cases.json");
+    for (const auto& c : cases["NumberToHex"]) EXPECT_EQ(NumberToHex(c[0], c[1], c[2]), c[3]) << c;
+    for (const auto& c : cases["HexToNumber"]) EXPECT_EQ(HexToNumber(c[0], c[1], c[2]), c[3]) << c;
+    for (const auto& c : cases["NormalizeHex"]) EXPECT_EQ(NormalizeHex(c[0]), c[1]) << c;
+    for (const auto& c : cases["Uint32ToHex"]) EXPECT_EQ(Uint32ToHex(c[0]), c[1]) << c;
+    for (const auto& c : cases["HexToUint32"]) EXPECT_EQ(HexToUint32(c[0]), c[1].get<double>()) << c;
 
-    const std::vector<std::pair<double, double>> numbers = {
-        {HexToUint32("FF"), 255}, {HexToUint32("FFFFFFFF"), 4294967295.0}, {HexToUint32("123456789"), 0x12345678},
-        {BytesToUint32("\x02\x01"), 258}, {BytesToUint32(""), 0}, {BytesToUint32("\x01\x02\x03\x04\x05"), 0x04030201},
+    const std::string zeros(398, '0');
+    const std::vector<std::pair<std::string, std::string>> texts = {
+        {BytesToHexSpaced("\x0A"), "0A"}, {BytesToHexSpaced("\0\xFF\x01"s), "00 FF 01"}, {BytesToHex("\x12\xab"), "12AB"},
+        {NumberToHex("1", 200, false), "01" + zeros}, {Uint32ToBytes(258), "\x02\x01\0\0"s},
+        {HexToNumber("01" + zeros, 200, false), "1"},  // weights beyond the double range
     };
-    for (size_t i = 0; i < numbers.size(); ++i) EXPECT_EQ(numbers[i].first, numbers[i].second) << "number " << i;
+    for (size_t i = 0; i < texts.size(); ++i) EXPECT_EQ(texts[i].first, texts[i].second) << "text " << i;
+    EXPECT_EQ(BytesToUint32("\x02\x01"), 258);
+    EXPECT_EQ(BytesToUint32(""), 0);
+    EXPECT_EQ(BytesToUint32("\x01\x02\x03\x04\x05"), 0x04030201);
 
     for (const char* text : {"", "12 3", "G", "-1", "0x1"}) EXPECT_FALSE(IsHexText(text) || IsDecText(text)) << text;
     EXPECT_TRUE(IsHexText("09afAF") && IsDecText("0123456789") && !IsDecText("1A"));

@@ -24,45 +24,28 @@ std::string WithLineBreaks(std::string text, const std::string& lineBreak) {
 }
 
 TEST(IniFile, ReadsValuesAsTheProfileCallsDo) {
-    const std::string content = "[STAT]\nQTY= 5 \n  Quoted = \"  spaced  \"\nSingle='x'\nEmpty=\nBlank=   \nNone=\"\"\n"
-                                "Sentinel=NothingFound\nHalf=\"x\nTwice=\"\"a\"\"\nEquals=a=b\nQTY=6\n\n[ frmload ]\n"
-                                "Path=/home/tech/fw\nLong=" + std::string(70000, 'x') + "\n[STAT]\nLater=1\n";
-    const std::vector<std::vector<std::string>> cases = {
-        {"stat", "qty", "5"}, {"STAT", "quoted", "  spaced  "}, {"STAT", "Single", "x"}, {"STAT", "Empty", ""},
-        {"STAT", "Blank", ""}, {"STAT", "None", ""}, {"STAT", "Sentinel", "default"}, {"STAT", "Half", "\"x"},
-        {"STAT", "Twice", "\"a\""}, {"STAT", "Equals", "a=b"}, {"STAT", "", "default"}, {"NOSUCH", "QTY", "default"},
-        {"FRMLOAD", "PATH", "/home/tech/fw"}, {"FRMLOAD", "Long", std::string(65535, 'x')},
-        {"STAT", "Later", "default"},  // only the first section of a name counts
-    };
+    const auto cases = test::TestCases("helpers/ini-cases.json");
+    const std::string content = cases["profile"].get<std::string>() + "[LONG]\nLong=" + std::string(70000, 'x') + "\n";
     TempFolder folder;
     const auto path = folder.File("sniffer.ini");
     for (const std::string lineBreak : {"\n", "\r\n"}) {
         TempFolder::Write(path, WithLineBreaks(content, lineBreak));
-        for (const auto& c : cases) EXPECT_EQ(IniReadValue(c[0], c[1], "default", path), c[2]) << c[0] << '/' << c[1];
+        for (const auto& c : cases["reads"]) EXPECT_EQ(IniReadValue(c[0], c[1], "default", path), c[2]) << c;
+        EXPECT_EQ(IniReadValue("LONG", "Long", "", path), std::string(65535, 'x'));
     }
     for (const std::string& missing : {folder.File("none.ini"), folder.Path().string(), folder.File("none/x.ini")})
         EXPECT_EQ(IniReadValue("STAT", "QTY", "0", missing), "0") << missing;
 }
 
 TEST(IniFile, WritesChangeOnlyTheirOwnLines) {
-    // Each step works on what the one before left: a byte order mark, a
-    // duplicate key, a second section of a name, a last line without break.
-    const std::string start = "\xEF\xBB\xBF[A]\nK = 1\nK=2\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1";
-    const std::vector<std::vector<std::string>> steps = {
-        {"C", "N", "3", "[A]\nK = 1\nK=2\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1\nN=3\n"},
-        {"a", "k", "5", "[A]\nK=5\nK=2\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1\nN=3\n"},
-        {"A", "L", "6", "[A]\nK=5\nK=2\nL=6\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1\nN=3\n"},
-        {"A", "K", "", "[A]\nL=6\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1\nN=3\n"},
-        {"A", "", "", "[B]\nX=1\n[C]\nZ=1\nN=3\n"},
-        {"D", "M", "7", "[B]\nX=1\n[C]\nZ=1\nN=3\n[D]\nM=7\n"},
-    };
+    const auto cases = test::TestCases("helpers/ini-cases.json");
     TempFolder folder;
     const auto path = folder.File("sniffer.ini"), other = folder.File("new.ini");
     for (const std::string lineBreak : {"\n", "\r\n"}) {
-        TempFolder::Write(path, WithLineBreaks(start, lineBreak));
-        for (const auto& step : steps) {
+        TempFolder::Write(path, WithLineBreaks(cases["start"], lineBreak));
+        for (const auto& step : cases["steps"]) {
             EXPECT_TRUE(IniWriteValue(step[0], step[1], step[2], path));
-            EXPECT_EQ(TempFolder::Read(path), "\xEF\xBB\xBF" + WithLineBreaks(step[3], lineBreak)) << step[1];
+            EXPECT_EQ(TempFolder::Read(path), "\xEF\xBB\xBF" + WithLineBreaks(step[3], lineBreak)) << step;
         }
     }
     // A deletion from a missing file makes none; a new file has CR LF lines.

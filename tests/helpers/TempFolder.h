@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <string>
 
 namespace sb::test {
@@ -40,5 +42,10 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+// The cases of a data file among the test sources, e.g. "config/catalog-cases.json".
+inline nlohmann::json TestCases(const std::string& path) {
+    return nlohmann::json::parse(TempFolder::Read(std::string(std::getenv("SB_SOURCE_DIR")) + "/tests/" + path));
+}
 
 }  // namespace sb::test
