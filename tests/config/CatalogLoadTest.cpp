@@ -10,17 +10,6 @@
 namespace sb::test {
 namespace {
 
-// The cases write the catalog's Latin-1 letters as \u00XX.
-std::string Latin1(const std::string& utf8) {
-    std::string bytes;
-    for (size_t i = 0; i < utf8.size(); ++i) {
-        const bool pair = utf8[i] & 0x80;
-        bytes += pair ? static_cast<char>((utf8[i] & 0x03) << 6 | (utf8[i + 1] & 0x3F)) : utf8[i];
-        i += pair;
-    }
-    return bytes;
-}
-
 // One line for each option ("O"), list entry ("L") and configuration ("C"),
 // of the kinds that the case names.
 std::vector<std::string> Describe(const DeviceInfo& device, const std::string& kinds) {
@@ -43,8 +32,8 @@ std::vector<std::string> Describe(const DeviceInfo& device, const std::string& k
 // Each case of catalog-cases.json: a document (or the pieces of one) and
 // what loads of it, or the piece of the parser's reason when it is refused.
 TEST(CatalogLoad, EachDocumentLoadsAsItsCaseSays) {
-    for (const auto& c : TestCases("catalog-cases.json")) {
-        const std::string xml = Latin1(c.contains("document") ? c["document"].get<std::string>()
+    for (const auto& c : TestCases("config/catalog-cases.json")) {
+        const std::string xml = Bytes(c.contains("document") ? c["document"].get<std::string>()
                                                                : CatalogXml(c.value("L", "5"), c.value("O", "<O/>"),
                                                                             c.value("C", "<C>0000000000</C>")));
         SCOPED_TRACE(xml);
@@ -55,7 +44,7 @@ TEST(CatalogLoad, EachDocumentLoadsAsItsCaseSays) {
         std::vector<std::string> expected;
         std::string kinds;
         for (const std::string line : c.value("device", nlohmann::json::array())) {
-            expected.push_back(Latin1(line));
+            expected.push_back(Bytes(line));
             kinds += line[0];
         }
         EXPECT_EQ(Describe(r.device, kinds), expected);

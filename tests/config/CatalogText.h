@@ -1,6 +1,4 @@
 #pragma once
-#include <cstdlib>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "../helpers/TempFolder.h"
@@ -25,11 +23,6 @@ inline LoadResult Load(const std::string& xml) {
     result.device.InfoFile = xml;
     result.ok = LoadCatalog(result.device, result.reason);
     return result;
-}
-
-// The cases of a file beside these tests.
-inline nlohmann::json TestCases(const std::string& name) {
-    return nlohmann::json::parse(TempFolder::Read(std::string(std::getenv("SB_SOURCE_DIR")) + "/tests/config/" + name));
 }
 
 // A list entry with its text and value alone.

@@ -21,7 +21,7 @@ OptionRec Field(const std::string& type, int32_t bitPos, int32_t bitLen) {
 }
 
 TEST(ImageCodec, EachCaseReadsOrWritesItsFieldAcrossByteBordersOrIsRefused) {
-    const auto cases = TestCases("image-cases.json");
+    const auto cases = TestCases("config/image-cases.json");
     for (const auto& c : cases["get"]) {
         if (c.is_string()) continue;
         const std::string raw = c[3];

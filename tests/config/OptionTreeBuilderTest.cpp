@@ -33,7 +33,7 @@ protected:
         return lines;
     }
 
-    const nlohmann::json cases = TestCases("option-tree.json");
+    const nlohmann::json cases = TestCases("config/option-tree.json");
     DeviceInfo device = Load(cases["catalog"]).device;
     MemoryOptionTree tree;
 };

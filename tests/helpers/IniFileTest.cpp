@@ -55,33 +55,12 @@ TEST(IniFile, WritesChangeOnlyTheirOwnLines) {
     EXPECT_EQ(TempFolder::Read(other), "[STAT]\r\nQTY= 5\r\n");
 }
 
-TEST(IniFile, AReplacementKeepsTheRightsAndClearsAwayWhatDeadWritersLeft) {
+TEST(IniFile, AReplacementTakesThePlaceOfTheFileItselfAndClearsAwayWhatDeadWritersLeft) {
     TempFolder folder;
-    const auto path = folder.File("sniffer.ini");
-    TempFolder::Write(path, "[STAT]\r\nQTY=1\r\n");
-    const auto rights = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
-    fs::permissions(path, rights);
-    const pid_t writer = ::fork();  // a writer that is gone
-    if (writer == 0) ::_exit(0);
-    ::waitpid(writer, nullptr, 0);
-    const std::string dead = std::to_string(writer), live = std::to_string(::getpid());
-    std::vector<std::string> kept = {".other.ini.tmp-" + dead + "-0", ".sniffer.ini.tmp-" + live + "-7",
-                                     ".sniffer.ini.tmp-x-0", "sniffer.ini"};
-    for (const auto& name : {kept[0], kept[1], kept[2], ".sniffer.ini.tmp-" + dead + "-0"})
-        TempFolder::Write(folder.File(name), "");
-    ASSERT_TRUE(IniWriteValue("STAT", "QTY", "2", path));
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder.Path())) names.push_back(entry.path().filename());
-    std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, kept);
-    EXPECT_EQ(fs::status(path).permissions(), rights);
-}
-
-TEST(IniFile, AWriteReachesTheFileThatALinkOrASecondNameNames) {
-    TempFolder folder;
-    fs::create_directory(folder.Path() / "real");
+    const auto real = folder.Path() / "real";
+    fs::create_directory(real);
     const auto link = folder.File("sniffer.ini"), target = folder.File("real/sniffer.ini");
-    for (const bool targetExists : {true, false}) {
+    for (const bool targetExists : {false, true}) {
         fs::remove(target);
         fs::remove(link);
         if (targetExists) TempFolder::Write(target, "[STAT]\nQTY=1\n");
@@ -90,14 +69,30 @@ TEST(IniFile, AWriteReachesTheFileThatALinkOrASecondNameNames) {
         EXPECT_TRUE(fs::is_symlink(link));
         EXPECT_EQ(IniReadValue("STAT", "QTY", "", target), "2") << targetExists;
     }
+    // The file's rights stay; temporary files of writers that are gone go.
+    const auto rights = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
+    fs::permissions(target, rights);
+    const pid_t writer = ::fork();
+    if (writer == 0) ::_exit(0);
+    ::waitpid(writer, nullptr, 0);
+    const std::string dead = std::to_string(writer), live = std::to_string(::getpid());
+    std::vector<fs::path> kept = {real / (".other.ini.tmp-" + dead + "-0"), real / (".sniffer.ini.tmp-" + live + "-7"),
+                                  real / ".sniffer.ini.tmp-x-0", target};
+    for (const auto& path : {kept[0], kept[1], kept[2], real / (".sniffer.ini.tmp-" + dead + "-0")})
+        TempFolder::Write(path, "");
+    ASSERT_TRUE(IniWriteValue("STAT", "QTY", "3", link));
+    std::vector<fs::path> names(fs::directory_iterator(real), {});
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, kept);
+    EXPECT_EQ(fs::status(target).permissions(), rights);
     // A folder that may not be written (which binds all but the superuser),
     // then another name of the file: the file stays where it is.
-    fs::permissions(folder.Path() / "real", fs::perms::owner_read | fs::perms::owner_exec);
-    EXPECT_TRUE(IniWriteValue("STAT", "QTY", "3", link));
-    fs::create_hard_link(target, folder.File("second.ini"));
+    fs::permissions(real, fs::perms::owner_read | fs::perms::owner_exec);
     EXPECT_TRUE(IniWriteValue("STAT", "QTY", "4", link));
-    fs::permissions(folder.Path() / "real", fs::perms::owner_all);
-    EXPECT_EQ(IniReadValue("STAT", "QTY", "", folder.File("second.ini")), "4");
+    fs::create_hard_link(target, folder.File("second.ini"));
+    EXPECT_TRUE(IniWriteValue("STAT", "QTY", "5", link));
+    fs::permissions(real, fs::perms::owner_all);
+    EXPECT_EQ(IniReadValue("STAT", "QTY", "", folder.File("second.ini")), "5");
     EXPECT_EQ(fs::hard_link_count(target), 2u);
 }
 
