@@ -22,14 +22,14 @@ OptionRec Field(const std::string& type, int32_t bitPos, int32_t bitLen) {
 
 TEST(ImageCodec, EachCaseReadsOrWritesItsFieldAcrossByteBordersOrIsRefused) {
     const auto cases = TestCases("config/image-cases.json");
-    for (const auto& c : cases["get"]) {
+    for (const auto& c : cases.at("get")) {
         if (c.is_string()) continue;
         const std::string raw = c[3];
         std::string shown = "old";
         EXPECT_EQ(GetOptionValue(HexToBytes(kImageHex), Field(c[0], c[1], c[2]), shown), raw) << c;
         EXPECT_EQ(shown, raw.empty() ? kWrongValue : raw) << c;
     }
-    for (const auto& c : cases["set"]) {
+    for (const auto& c : cases.at("set")) {
         if (c.is_string()) continue;
         std::string image = HexToBytes(kImageHex), value = c[3];
         EXPECT_EQ(SetOptionValue(image, Field(c[0], c[1], c[2]), value), c[5]) << c;

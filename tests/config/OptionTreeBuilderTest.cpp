@@ -34,13 +34,13 @@ protected:
     }
 
     const nlohmann::json cases = TestCases("config/option-tree.json");
-    DeviceInfo device = Load(cases["catalog"]).device;
+    DeviceInfo device = Load(cases.at("catalog")).device;
     MemoryOptionTree tree;
 };
 
 TEST_F(OptionTreeBuild, ShowsTheNamedConfigurationAndUpdatesItInPlace) {
-    ASSERT_TRUE(Build(cases["image"]));
-    EXPECT_EQ(Lines(), cases["tree"].get<std::vector<std::string>>());
+    ASSERT_TRUE(Build(cases.at("image")));
+    EXPECT_EQ(Lines(), cases.at("tree").get<std::vector<std::string>>());
     // A value node's colour follows from the configuration alone: an update in
     // place leaves it as it is. Another Id builds anew, an unknown one nothing.
     tree.Node("OPTION00000000_VALUE00000000")->SetForeColor(7);
@@ -75,7 +75,7 @@ TEST_F(OptionTreeBuild, VisibleMaskChoosesTheOptionsByIndex) {
     for (const auto& [mask, shown] : masks) {
         device.PredefCfgs.Items[1].VisibleMask = mask;
         tree.Clear();
-        ASSERT_TRUE(Build(cases["image"]));
+        ASSERT_TRUE(Build(cases.at("image")));
         std::string keys;
         for (const MemoryTreeNode* option : tree.Roots().at(0)->Children()) keys += option->Key() + " ";
         EXPECT_EQ(keys, shown) << mask;
@@ -102,7 +102,7 @@ public:
 
 TEST_F(OptionTreeBuild, ANodeTheTreeRefusesIsSkipped) {
     RefusingTree refusing;
-    ASSERT_TRUE(BuildOptionTree(HexToBytes(cases["image"].get<std::string>()), device, refusing));
+    ASSERT_TRUE(BuildOptionTree(HexToBytes(cases.at("image").get<std::string>()), device, refusing));
     EXPECT_EQ(refusing.inner.Node("OPTION00000002")->Text(), "Limit:0000012C");
 }
 

@@ -12,7 +12,8 @@ namespace {
 using namespace std::string_literals;
 
 TEST(BitMasks, TestBitFindsExactlyTheSetBits) {
-    for (const auto& c : test::TestCases("helpers/bitmask-cases.json")["TestBit"]) {
+    const auto cases = test::TestCases("helpers/bitmask-cases.json");
+    for (const auto& c : cases.at("TestBit")) {
         if (c.is_string()) continue;
         for (int bit = 0; bit < 32; ++bit)
             EXPECT_EQ(TestBit(c[0], bit, c[1]), ((c[2].get<uint32_t>() >> bit) & 1) != 0) << c << " bit " << bit;
@@ -22,9 +23,9 @@ TEST(BitMasks, TestBitFindsExactlyTheSetBits) {
 
 TEST(BitMasks, CombinationsLineUpAtTheRightEndAndKeepTheFirstLength) {
     const auto cases = test::TestCases("helpers/bitmask-cases.json");
-    for (const auto& c : cases["HexAnd"]) EXPECT_EQ(HexAnd(c[0], c[1]), c[2]) << c;
-    for (const auto& c : cases["HexOr"]) EXPECT_EQ(HexOr(c[0], c[1]), c[2]) << c;
-    for (const auto& c : cases["HexNot"]) EXPECT_EQ(HexNot(c[0]), c[1]) << c;
+    for (const auto& c : cases.at("HexAnd")) EXPECT_EQ(HexAnd(c[0], c[1]), c[2]) << c;
+    for (const auto& c : cases.at("HexOr")) EXPECT_EQ(HexOr(c[0], c[1]), c[2]) << c;
+    for (const auto& c : cases.at("HexNot")) EXPECT_EQ(HexNot(c[0]), c[1]) << c;
 
     std::string a = "\xF0\x00\xF0"s;
     BytesOr(a, "\x0F\x0F"s);

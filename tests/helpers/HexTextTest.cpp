@@ -17,17 +17,17 @@ using test::Bytes;
 // hex-cases.json, and here those of long texts.
 TEST(HexText, TextsFollowTheirRules) {
     const auto cases = test::TestCases("helpers/hex-cases.json");
-    for (const auto& c : cases["NumberToHex"]) EXPECT_EQ(NumberToHex(c[0], c[1], c[2]), c[3]) << c;
-    for (const auto& c : cases["HexToNumber"]) EXPECT_EQ(HexToNumber(c[0], c[1], c[2]), c[3]) << c;
-    for (const auto& c : cases["NormalizeHex"]) EXPECT_EQ(NormalizeHex(c[0]), c[1]) << c;
-    for (const auto& c : cases["Uint32ToHex"]) EXPECT_EQ(Uint32ToHex(c[0]), c[1]) << c;
-    for (const auto& c : cases["HexToUint32"]) EXPECT_EQ(HexToUint32(c[0]), c[1].get<double>()) << c;
-    for (const auto& c : cases["BytesToHexSpaced"]) EXPECT_EQ(BytesToHexSpaced(Bytes(c[0])), c[1]) << c;
-    for (const auto& c : cases["BytesToHex"]) EXPECT_EQ(BytesToHex(Bytes(c[0])), c[1]) << c;
-    for (const auto& c : cases["Uint32ToBytes"]) EXPECT_EQ(Uint32ToBytes(c[0]), Bytes(c[1])) << c;
-    for (const auto& c : cases["BytesToUint32"]) EXPECT_EQ(BytesToUint32(Bytes(c[0])), c[1].get<double>()) << c;
-    for (const auto& c : cases["IsHexText"]) EXPECT_EQ(IsHexText(c[0]), c[1]) << c;
-    for (const auto& c : cases["IsDecText"]) EXPECT_EQ(IsDecText(c[0]), c[1]) << c;
+    for (const auto& c : cases.at("NumberToHex")) EXPECT_EQ(NumberToHex(c[0], c[1], c[2]), c[3]) << c;
+    for (const auto& c : cases.at("HexToNumber")) EXPECT_EQ(HexToNumber(c[0], c[1], c[2]), c[3]) << c;
+    for (const auto& c : cases.at("NormalizeHex")) EXPECT_EQ(NormalizeHex(c[0]), c[1]) << c;
+    for (const auto& c : cases.at("Uint32ToHex")) EXPECT_EQ(Uint32ToHex(c[0]), c[1]) << c;
+    for (const auto& c : cases.at("HexToUint32")) EXPECT_EQ(HexToUint32(c[0]), c[1].get<double>()) << c;
+    for (const auto& c : cases.at("BytesToHexSpaced")) EXPECT_EQ(BytesToHexSpaced(Bytes(c[0])), c[1]) << c;
+    for (const auto& c : cases.at("BytesToHex")) EXPECT_EQ(BytesToHex(Bytes(c[0])), c[1]) << c;
+    for (const auto& c : cases.at("Uint32ToBytes")) EXPECT_EQ(Uint32ToBytes(c[0]), Bytes(c[1])) << c;
+    for (const auto& c : cases.at("BytesToUint32")) EXPECT_EQ(BytesToUint32(Bytes(c[0])), c[1].get<double>()) << c;
+    for (const auto& c : cases.at("IsHexText")) EXPECT_EQ(IsHexText(c[0]), c[1]) << c;
+    for (const auto& c : cases.at("IsDecText")) EXPECT_EQ(IsDecText(c[0]), c[1]) << c;
     // Weights beyond the double range.
     const std::string zeros(398, '0');
     EXPECT_EQ(NumberToHex("1", 200, false), "01" + zeros);
@@ -35,7 +35,8 @@ TEST(HexText, TextsFollowTheirRules) {
 }
 
 TEST(HexText, HexToBytesKeepsHexDigitsAndCleansAnEvenText) {
-    for (const auto& c : test::TestCases("helpers/hex-cases.json")["HexToBytes"]) {
+    const auto cases = test::TestCases("helpers/hex-cases.json");
+    for (const auto& c : cases.at("HexToBytes")) {
         if (c.is_string()) continue;
         std::string text = c[0];
         EXPECT_EQ(HexToBytes(text), Bytes(c[1])) << c;

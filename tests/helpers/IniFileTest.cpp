@@ -25,12 +25,12 @@ std::string WithLineBreaks(std::string text, const std::string& lineBreak) {
 
 TEST(IniFile, ReadsValuesAsTheProfileCallsDo) {
     const auto cases = test::TestCases("helpers/ini-cases.json");
-    const std::string content = cases["profile"].get<std::string>() + "[LONG]\nLong=" + std::string(70000, 'x') + "\n";
+    const std::string content = cases.at("profile").get<std::string>() + "[LONG]\nLong=" + std::string(70000, 'x') + "\n";
     TempFolder folder;
     const auto path = folder.File("sniffer.ini");
     for (const std::string lineBreak : {"\n", "\r\n"}) {
         TempFolder::Write(path, WithLineBreaks(content, lineBreak));
-        for (const auto& c : cases["reads"]) EXPECT_EQ(IniReadValue(c[0], c[1], "default", path), c[2]) << c;
+        for (const auto& c : cases.at("reads")) EXPECT_EQ(IniReadValue(c[0], c[1], "default", path), c[2]) << c;
         EXPECT_EQ(IniReadValue("LONG", "Long", "", path), std::string(65535, 'x'));
     }
     for (const std::string& missing : {folder.File("none.ini"), folder.Path().string(), folder.File("none/x.ini")})
@@ -42,8 +42,8 @@ TEST(IniFile, WritesChangeOnlyTheirOwnLines) {
     TempFolder folder;
     const auto path = folder.File("sniffer.ini"), other = folder.File("new.ini");
     for (const std::string lineBreak : {"\n", "\r\n"}) {
-        TempFolder::Write(path, WithLineBreaks(cases["start"], lineBreak));
-        for (const auto& step : cases["steps"]) {
+        TempFolder::Write(path, WithLineBreaks(cases.at("start"), lineBreak));
+        for (const auto& step : cases.at("steps")) {
             EXPECT_TRUE(IniWriteValue(step[0], step[1], step[2], path));
             EXPECT_EQ(TempFolder::Read(path), "\xEF\xBB\xBF" + WithLineBreaks(step[3], lineBreak)) << step;
         }

@@ -14,14 +14,16 @@ namespace sb {
 namespace {
 
 TEST(NumberText, ReadsTheNumberAtTheStartOfAText) {
-    for (const auto& c : test::TestCases("helpers/number-cases.json")["ReadNumber"])
+    const auto cases = test::TestCases("helpers/number-cases.json");
+    for (const auto& c : cases.at("ReadNumber"))
         EXPECT_EQ(ReadNumber(c[0]), c[1].get<double>()) << c;
     for (const std::string& text : std::vector<std::string>{"1E400", "-1E400", "&h123456789", std::string(400, '9')})
         EXPECT_THROW(ReadNumber(text), OverflowError) << text;
 }
 
 TEST(NumberText, WritesFifteenSignificantDigitsAsPrintfDoes) {
-    for (const auto& c : test::TestCases("helpers/number-cases.json")["NumberText"])
+    const auto cases = test::TestCases("helpers/number-cases.json");
+    for (const auto& c : cases.at("NumberText"))
         EXPECT_EQ(NumberText(c[0]), c[1]) << c;
     // %.15G in the C locale is an independent reference for the rounding and
     // the choice of form.
