@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "CatalogText.h"
 #include "config/CatalogFile.h"
 

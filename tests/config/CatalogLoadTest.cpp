@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "CatalogText.h"
 #include "config/Catalog.h"
 #include "helpers/HexText.h"

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "CatalogText.h"
 #include "config/ConfigTool.h"
 #include "helpers/HexText.h"

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "CatalogText.h"
 #include "config/ConfigTool.h"
 #include "config/MemoryOptionTree.h"
@@ -56,29 +53,23 @@ TEST_F(OptionTreeBuild, ShowsTheNamedConfigurationAndUpdatesItInPlace) {
 
 TEST_F(OptionTreeBuild, ShortImagesCountMissingBytesAsZeroAndReadAsRefused) {
     device.PredefCfgs.Items[0].Id = "00000000";
-    const std::pair<std::string, std::string> images[] = {
-        {"", "CONFIGURATION00000000 Mode:Wrong Value"},
-        {"040000", "CONFIGURATION00000001 Mode:Wrong Value"},
-        {"0401", ""},
-    };
-    for (const auto& [hex, shown] : images) {
-        EXPECT_EQ(Build(hex), !shown.empty()) << hex;
+    for (const auto& c : cases.at("short images")) {
+        if (c.is_string()) continue;
+        const std::string shown = c[1];
+        EXPECT_EQ(Build(c[0]), !shown.empty()) << c;
         EXPECT_EQ(tree.Size() ? tree.Roots()[0]->Key() + " " + tree.Node("OPTION00000000")->Text() : "", shown);
     }
 }
 
 TEST_F(OptionTreeBuild, VisibleMaskChoosesTheOptionsByIndex) {
-    const std::pair<std::string, std::string> masks[] = {
-        {"0", ""}, {"1", "OPTION00000000 "}, {"6", "OPTION00000001 OPTION00000002 "},
-        {"ABC", "OPTION00000002 OPTION00000003 OPTION00000004 "},  // bits 0 to 7 are the pair BC
-    };
-    for (const auto& [mask, shown] : masks) {
-        device.PredefCfgs.Items[1].VisibleMask = mask;
+    for (const auto& c : cases.at("visible masks")) {
+        if (c.is_string()) continue;
+        device.PredefCfgs.Items[1].VisibleMask = c[0];
         tree.Clear();
         ASSERT_TRUE(Build(cases.at("image")));
         std::string keys;
         for (const MemoryTreeNode* option : tree.Roots().at(0)->Children()) keys += option->Key() + " ";
-        EXPECT_EQ(keys, shown) << mask;
+        EXPECT_EQ(keys, c[1]) << c;
     }
 }
 

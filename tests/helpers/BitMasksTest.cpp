@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <string>
 
 #include "TempFolder.h"
 #include "helpers/BitMasks.h"

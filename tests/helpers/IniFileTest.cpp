@@ -4,9 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <string>
 #include <system_error>
-#include <vector>
 
 #include "TempFolder.h"
 #include "helpers/IniFile.h"

@@ -3,8 +3,6 @@
 #include <cmath>
 #include <cstdio>
 #include <random>
-#include <string>
-#include <vector>
 
 #include "TempFolder.h"
 #include "helpers/NumberText.h"
