@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-
-#include "../helpers/TempFolder.h"
 #include "CatalogText.h"
 #include "config/CatalogFile.h"
 

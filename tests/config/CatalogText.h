@@ -1,6 +1,7 @@
 #pragma once
 #include <string>
 
+#include "../helpers/TempFolder.h"
 #include "config/Catalog.h"
 #include "config/Types.h"
 
@@ -9,11 +10,6 @@ namespace sb::test {
 // A catalog document of the given option list and configurations.
 inline std::string CatalogXml(const std::string& cfgLen, const std::string& options, const std::string& cfgs) {
     return "<CFG><OPTS L=\"" + cfgLen + "\">" + options + "</OPTS><PDF>" + cfgs + "</PDF></CFG>";
-}
-
-// A configuration element of CfgLen 5 (10 digits).
-inline std::string Cfg5(const std::string& attributes = "", const std::string& data = "0000000000") {
-    return "<C " + attributes + ">" + data + "</C>";
 }
 
 struct LoadResult {

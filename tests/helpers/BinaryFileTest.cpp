@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "TempFolder.h"
 #include "helpers/BinaryFile.h"
 

@@ -4,9 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <string>
 #include <system_error>
-#include <vector>
 
 #include "TempFolder.h"
 #include "helpers/IniFile.h"
@@ -24,45 +22,28 @@ std::string WithLineBreaks(std::string text, const std::string& lineBreak) {
 }
 
 TEST(IniFile, ReadsValuesAsTheProfileCallsDo) {
-    const std::string content = "[STAT]\nQTY= 5 \n  Quoted = \"  spaced  \"\nSingle='x'\nEmpty=\nBlank=   \nNone=\"\"\n"
-                                "Sentinel=NothingFound\nHalf=\"x\nTwice=\"\"a\"\"\nEquals=a=b\nQTY=6\n\n[ frmload ]\n"
-                                "Path=/home/tech/fw\nLong=" + std::string(70000, 'x') + "\n[STAT]\nLater=1\n";
-    const std::vector<std::vector<std::string>> cases = {
-        {"stat", "qty", "5"}, {"STAT", "quoted", "  spaced  "}, {"STAT", "Single", "x"}, {"STAT", "Empty", ""},
-        {"STAT", "Blank", ""}, {"STAT", "None", ""}, {"STAT", "Sentinel", "default"}, {"STAT", "Half", "\"x"},
-        {"STAT", "Twice", "\"a\""}, {"STAT", "Equals", "a=b"}, {"STAT", "", "default"}, {"NOSUCH", "QTY", "default"},
-        {"FRMLOAD", "PATH", "/home/tech/fw"}, {"FRMLOAD", "Long", std::string(65535, 'x')},
-        {"STAT", "Later", "default"},  // only the first section of a name counts
-    };
+    const auto cases = test::TestCases("helpers/ini-cases.json");
+    const std::string content = cases.at("profile").get<std::string>() + "[LONG]\nLong=" + std::string(70000, 'x') + "\n";
     TempFolder folder;
     const auto path = folder.File("sniffer.ini");
     for (const std::string lineBreak : {"\n", "\r\n"}) {
         TempFolder::Write(path, WithLineBreaks(content, lineBreak));
-        for (const auto& c : cases) EXPECT_EQ(IniReadValue(c[0], c[1], "default", path), c[2]) << c[0] << '/' << c[1];
+        for (const auto& c : cases.at("reads")) EXPECT_EQ(IniReadValue(c[0], c[1], "default", path), c[2]) << c;
+        EXPECT_EQ(IniReadValue("LONG", "Long", "", path), std::string(65535, 'x'));
     }
     for (const std::string& missing : {folder.File("none.ini"), folder.Path().string(), folder.File("none/x.ini")})
         EXPECT_EQ(IniReadValue("STAT", "QTY", "0", missing), "0") << missing;
 }
 
 TEST(IniFile, WritesChangeOnlyTheirOwnLines) {
-    // Each step works on what the one before left: a byte order mark, a
-    // duplicate key, a second section of a name, a last line without break.
-    const std::string start = "\xEF\xBB\xBF[A]\nK = 1\nK=2\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1";
-    const std::vector<std::vector<std::string>> steps = {
-        {"C", "N", "3", "[A]\nK = 1\nK=2\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1\nN=3\n"},
-        {"a", "k", "5", "[A]\nK=5\nK=2\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1\nN=3\n"},
-        {"A", "L", "6", "[A]\nK=5\nK=2\nL=6\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1\nN=3\n"},
-        {"A", "K", "", "[A]\nL=6\n\n[B]\nX=1\n[a]\nY=2\n[C]\nZ=1\nN=3\n"},
-        {"A", "", "", "[B]\nX=1\n[C]\nZ=1\nN=3\n"},
-        {"D", "M", "7", "[B]\nX=1\n[C]\nZ=1\nN=3\n[D]\nM=7\n"},
-    };
+    const auto cases = test::TestCases("helpers/ini-cases.json");
     TempFolder folder;
     const auto path = folder.File("sniffer.ini"), other = folder.File("new.ini");
     for (const std::string lineBreak : {"\n", "\r\n"}) {
-        TempFolder::Write(path, WithLineBreaks(start, lineBreak));
-        for (const auto& step : steps) {
+        TempFolder::Write(path, WithLineBreaks(cases.at("start"), lineBreak));
+        for (const auto& step : cases.at("steps")) {
             EXPECT_TRUE(IniWriteValue(step[0], step[1], step[2], path));
-            EXPECT_EQ(TempFolder::Read(path), "\xEF\xBB\xBF" + WithLineBreaks(step[3], lineBreak)) << step[1];
+            EXPECT_EQ(TempFolder::Read(path), "\xEF\xBB\xBF" + WithLineBreaks(step[3], lineBreak)) << step;
         }
     }
     // A deletion from a missing file makes none; a new file has CR LF lines.
@@ -72,33 +53,12 @@ TEST(IniFile, WritesChangeOnlyTheirOwnLines) {
     EXPECT_EQ(TempFolder::Read(other), "[STAT]\r\nQTY= 5\r\n");
 }
 
-TEST(IniFile, AReplacementKeepsTheRightsAndClearsAwayWhatDeadWritersLeft) {
+TEST(IniFile, AReplacementTakesThePlaceOfTheFileItselfAndClearsAwayWhatDeadWritersLeft) {
     TempFolder folder;
-    const auto path = folder.File("sniffer.ini");
-    TempFolder::Write(path, "[STAT]\r\nQTY=1\r\n");
-    const auto rights = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
-    fs::permissions(path, rights);
-    const pid_t writer = ::fork();  // a writer that is gone
-    if (writer == 0) ::_exit(0);
-    ::waitpid(writer, nullptr, 0);
-    const std::string dead = std::to_string(writer), live = std::to_string(::getpid());
-    std::vector<std::string> kept = {".other.ini.tmp-" + dead + "-0", ".sniffer.ini.tmp-" + live + "-7",
-                                     ".sniffer.ini.tmp-x-0", "sniffer.ini"};
-    for (const auto& name : {kept[0], kept[1], kept[2], ".sniffer.ini.tmp-" + dead + "-0"})
-        TempFolder::Write(folder.File(name), "");
-    ASSERT_TRUE(IniWriteValue("STAT", "QTY", "2", path));
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder.Path())) names.push_back(entry.path().filename());
-    std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, kept);
-    EXPECT_EQ(fs::status(path).permissions(), rights);
-}
-
-TEST(IniFile, AWriteReachesTheFileThatALinkOrASecondNameNames) {
-    TempFolder folder;
-    fs::create_directory(folder.Path() / "real");
+    const auto real = folder.Path() / "real";
+    fs::create_directory(real);
     const auto link = folder.File("sniffer.ini"), target = folder.File("real/sniffer.ini");
-    for (const bool targetExists : {true, false}) {
+    for (const bool targetExists : {false, true}) {
         fs::remove(target);
         fs::remove(link);
         if (targetExists) TempFolder::Write(target, "[STAT]\nQTY=1\n");
@@ -107,14 +67,30 @@ TEST(IniFile, AWriteReachesTheFileThatALinkOrASecondNameNames) {
         EXPECT_TRUE(fs::is_symlink(link));
         EXPECT_EQ(IniReadValue("STAT", "QTY", "", target), "2") << targetExists;
     }
+    // The file's rights stay; temporary files of writers that are gone go.
+    const auto rights = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
+    fs::permissions(target, rights);
+    const pid_t writer = ::fork();
+    if (writer == 0) ::_exit(0);
+    ::waitpid(writer, nullptr, 0);
+    const std::string dead = std::to_string(writer), live = std::to_string(::getpid());
+    std::vector<fs::path> kept = {real / (".other.ini.tmp-" + dead + "-0"), real / (".sniffer.ini.tmp-" + live + "-7"),
+                                  real / ".sniffer.ini.tmp-x-0", target};
+    for (const auto& path : {kept[0], kept[1], kept[2], real / (".sniffer.ini.tmp-" + dead + "-0")})
+        TempFolder::Write(path, "");
+    ASSERT_TRUE(IniWriteValue("STAT", "QTY", "3", link));
+    std::vector<fs::path> names(fs::directory_iterator(real), {});
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, kept);
+    EXPECT_EQ(fs::status(target).permissions(), rights);
     // A folder that may not be written (which binds all but the superuser),
     // then another name of the file: the file stays where it is.
-    fs::permissions(folder.Path() / "real", fs::perms::owner_read | fs::perms::owner_exec);
-    EXPECT_TRUE(IniWriteValue("STAT", "QTY", "3", link));
-    fs::create_hard_link(target, folder.File("second.ini"));
+    fs::permissions(real, fs::perms::owner_read | fs::perms::owner_exec);
     EXPECT_TRUE(IniWriteValue("STAT", "QTY", "4", link));
-    fs::permissions(folder.Path() / "real", fs::perms::owner_all);
-    EXPECT_EQ(IniReadValue("STAT", "QTY", "", folder.File("second.ini")), "4");
+    fs::create_hard_link(target, folder.File("second.ini"));
+    EXPECT_TRUE(IniWriteValue("STAT", "QTY", "5", link));
+    fs::permissions(real, fs::perms::owner_all);
+    EXPECT_EQ(IniReadValue("STAT", "QTY", "", folder.File("second.ini")), "5");
     EXPECT_EQ(fs::hard_link_count(target), 2u);
 }
 

@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <string>
 
 namespace sb::test {
@@ -40,5 +42,21 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+// The cases of a data file among the test sources, e.g. "config/catalog-cases.json".
+inline nlohmann::json TestCases(const std::string& path) {
+    return nlohmann::json::parse(TempFolder::Read(std::string(std::getenv("SB_SOURCE_DIR")) + "/tests/" + path));
+}
+
+// JSON texts of the cases carry bytes as the characters U+0000 to U+00FF.
+inline std::string Bytes(const std::string& utf8) {
+    std::string bytes;
+    for (size_t i = 0; i < utf8.size(); ++i) {
+        const bool pair = utf8[i] & 0x80;
+        bytes += pair ? static_cast<char>((utf8[i] & 0x03) << 6 | (utf8[i + 1] & 0x3F)) : utf8[i];
+        i += pair;
+    }
+    return bytes;
+}
 
 }  // namespace sb::test
