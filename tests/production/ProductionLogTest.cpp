@@ -1,105 +1,62 @@
 #include "production/ProductionLog.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
+#include <latch>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <thread>
 
 #include "../helpers/TempFolder.h"
 
 namespace sb {
 namespace {
 
-using nlohmann::json;
 using test::TempFolder;
 
-ModuleRecord ARecord() {
-    ModuleRecord r;
-    r.Time = UtcTimeText(1715933702345);
-    r.Port = "ttyACM3";
-    r.UsbSerial = "SB0001";
-    r.Attempt = 2;
-    r.SN = "Caf\xE9";  // a module answers in bytes
-    r.PVer = "1.02.03";
-    r.FirmwareFile = "fw/main.cod";
-    r.FirmwareSize = 5000;
-    r.FirmwareSha256 = std::string(64, 'a');
-    r.Result = ModuleResult::NotDownloaded;
-    r.Detail = "CommPort Error\r\nInput/output error";
-    r.XmodemResult = -4;
-    r.Seconds = 2.34567;
-    r.ProgramVersion = "servicebay-cli 0.1.0";
-    return r;
-}
+// A module answers in bytes: its SN holds one beyond ASCII.
+const ModuleRecord kRecord{.Time = UtcTimeText(1715933702345), .Port = "ttyACM3", .UsbSerial = "SB0001", .Attempt = 2,
+                           .SN = "Caf\xE9", .PName = {}, .PVer = "1.02.03", .FirmwareFile = "fw/main.cod",
+                           .FirmwareSize = 5000, .FirmwareSha256 = "9f43", .Result = ModuleResult::NotDownloaded,
+                           .Detail = "CommPort Error\r\nInput/output error", .XmodemResult = -4, .Seconds = 2.34567,
+                           .RecordNumber = {}, .ProgramVersion = "servicebay-cli 0.1.0"};
 
 TEST(ProductionLog, LineIsOneJsonObjectOfTheRecord) {
-    const std::string line = LogLine(ARecord());
-    ASSERT_EQ(line.find('\n'), line.size() - 1);
-    const json read = json::parse(line);
-    EXPECT_EQ(read["time"], "2024-05-17T08:15:02.345Z");
-    EXPECT_EQ(read["port"], "ttyACM3");
-    EXPECT_EQ(read["usb_serial"], "SB0001");
-    EXPECT_EQ(read["attempt"], 2);
-    EXPECT_EQ(read["SN"], "Caf\xC3\xA9");
-    EXPECT_TRUE(read["PName"].is_null());
-    EXPECT_EQ(read["PVer"], "1.02.03");
-    EXPECT_EQ(read["firmware_file"], "fw/main.cod");
-    EXPECT_EQ(read["firmware_size"], 5000);
-    EXPECT_EQ(read["firmware_sha256"], std::string(64, 'a'));
-    EXPECT_EQ(read["result"], "not downloaded");
-    EXPECT_EQ(read["detail"], "CommPort Error\r\nInput/output error");
-    EXPECT_EQ(read["xmodem_result"], -4);
-    EXPECT_EQ(read["bytes_programmed"], 0);
-    EXPECT_DOUBLE_EQ(read["seconds"].get<double>(), 2.346);
-    EXPECT_TRUE(read["record_number"].is_null());
-    EXPECT_EQ(read["program"], "servicebay-cli 0.1.0");
+    EXPECT_EQ(LogLine(kRecord),
+              R"({"time":"2024-05-17T08:15:02.345Z","port":"ttyACM3","usb_serial":"SB0001","attempt":2,"SN":"Caf)"
+              "\xC3\xA9"
+              R"(","PName":null,"PVer":"1.02.03","firmware_file":"fw/main.cod","firmware_size":5000,)"
+              R"("firmware_sha256":"9f43","result":"not downloaded","detail":"CommPort Error\r\nInput/output error",)"
+              R"("xmodem_result":-4,"bytes_programmed":0,"seconds":2.346,"record_number":null,)"
+              R"("program":"servicebay-cli 0.1.0"})"
+              "\n");
 }
 
 TEST(ProductionLog, AppendsWholeLinesBehindWhatIsThere) {
     TempFolder folder;
     const std::string path = folder.File("line.log");
     TempFolder::Write(path, "{\"earlier\": true}\n");
-    // Two programs on one file, each line long enough to need many pages:
-    // every line must stand whole, none cut into another.
+    // Two logs on one file, as two programs have them, each line long enough
+    // to need many pages: every line must stand whole, none cut into another.
     constexpr int kLines = 300;
-    int start[2];
-    ASSERT_EQ(::pipe(start), 0);
-    pid_t writers[2];
-    for (const char fill : {'x', 'y'}) {
-        pid_t& writer = writers[fill - 'x'];
-        writer = ::fork();
-        if (writer == 0) {
-            ProductionLog log(path);
-            ModuleRecord record = ARecord();
-            record.Detail = std::string(20000, fill);
-            // Both begin together, when the test closes the pipe.
-            ::close(start[1]);
-            char none;
-            [[maybe_unused]] const auto ignored = ::read(start[0], &none, 1);
-            for (int i = 0; i < kLines; ++i) log.Append(record);
-            ::_exit(0);
-        }
-    }
-    ::close(start[0]);
-    ::close(start[1]);
-    for (const pid_t writer : writers) {
-        int status = 0;
-        ::waitpid(writer, &status, 0);
-        ASSERT_EQ(status, 0);
+    std::latch start(2);
+    const auto writer = [&](char fill) {
+        ProductionLog log(path);
+        ModuleRecord record = kRecord;
+        record.Detail = std::string(20000, fill);
+        start.arrive_and_wait();
+        for (int i = 0; i < kLines; ++i) log.Append(record);
+    };
+    {
+        const std::jthread x(writer, 'x'), y(writer, 'y');  // both joined here
     }
     std::istringstream lines(TempFolder::Read(path));
     std::string line;
     std::getline(lines, line);
     EXPECT_EQ(line, "{\"earlier\": true}");
     int count = 0;
-    for (; std::getline(lines, line); ++count) {
-        const json read = json::parse(line, nullptr, false);
-        ASSERT_FALSE(read.is_discarded()) << "line " << count << " is cut";
-        const std::string detail = read["detail"];
-        EXPECT_EQ(detail.find_first_not_of(detail[0]), std::string::npos);
-    }
+    for (; std::getline(lines, line); ++count)
+        ASSERT_FALSE(nlohmann::json::parse(line, nullptr, false).is_discarded()) << "line " << count << " is cut";
     EXPECT_EQ(count, 2 * kLines);
 }
 
