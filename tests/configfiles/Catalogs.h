@@ -16,7 +16,7 @@ inline const std::string kCatalog = CatalogXml(
     R"(<O N="Hidden" S="28" L="8" T="INT"/>)"
     R"(<O N="Limit" S="30" L="10" T="INT" U=" km/h"/>)",
     R"(<C N="Truck" V="7">0300000001000000</C>)"
-    R"(<C N="Passenger car" I="00000004" V="05" D="04">0400000000002C01</C>)");
+    R"(<C N="Passenger car" I="00000004" V="0005" D="04">0400000000002C01</C>)");
 
 inline DeviceInfo LoadedDevice(const std::string& xml = kCatalog) {
     LoadResult r = Load(xml);

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QTest>
 
+#include "../link/QtApp.h"
 #include "../tools/ModuleProcess.h"
 #include "link/frmPortControl.h"
 
@@ -11,14 +11,6 @@
 namespace sb::test {
 namespace {
 
-QApplication& App() {
-    static int argc = 1;
-    static char name[] = "servicebay-test";
-    static char* argv[] = {name, nullptr};
-    static QApplication app(argc, argv);
-    return app;
-}
-
 bool Lists(const QComboBox* box, const std::string& device) {
     return box->findData(QString::fromStdString(device)) >= 0;
 }
@@ -26,7 +18,7 @@ bool Lists(const QComboBox* box, const std::string& device) {
 class PortControlPlugging : public ModuleTest {};
 
 TEST_F(PortControlPlugging, AModulePluggedInWhileTheDialogIsShownAppearsInItsListAndLeavesIt) {
-    App();
+    QtApp();
     frmPortControl dialog;
     dialog.show();
     ModuleProcess module(folder, {"--boot"});

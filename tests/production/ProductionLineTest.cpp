@@ -46,40 +46,34 @@ void RunOut(ProductionLine& line) {
 std::string Say(const std::string& line) { return "printf '%s\\n' '" + line + "'; "; }
 
 const std::string kProgress = Say(ProgressLine({1, 1024, 5000}));
-const std::string kWritten =
-    R"("record": {"written": true, "end": "written", "number": 7, "SN": "A1", "Ver": "2.0", "Name": "Gate"})";
 
-// Each module on a port of its own, ttyACM<case>; the last case runs twice,
-// the second time for the module of the first.
-TEST(ProductionLine, EachEndOfADownloadBecomesTheRecordOfItsAttempt) {
-    struct Case {
-        std::string script;
-        ModuleResult result;
-        std::optional<int32_t> xmodem;
-        int64_t bytes;
-        std::optional<int32_t> number;
-        std::string detailHolds;
-    };
-    const std::vector<Case> cases = {
-        {kProgress + Say(R"({"end": "programmed", "tries": 1, "programmed": 5120, "result": 5120, )" + kWritten + "}"),
-         ModuleResult::Programmed, 5120, 5120, 7, ""},
+// Each module on a port of its own, ttyACM<case>, with what its log line must
+// hold; the last case runs twice, the second time for the module of the first.
+TEST(ProductionLine, EachEndOfADownloadIsLoggedAsTheRecordOfItsAttempt) {
+    const std::vector<std::pair<std::string, const char*>> cases = {
+        {kProgress + Say(R"({"end": "programmed", "tries": 1, "programmed": 5120, "result": 5120, "record": )"
+                         R"({"written": true, "end": "written", "number": 7, "SN": "A1", "Ver": "2.0", )"
+                         R"("Name": "Gate"}})"),
+         R"({"result": "programmed", "xmodem_result": 5120, "bytes_programmed": 5120, "record_number": 7,
+             "SN": "A1", "PVer": "2.0", "PName": "Gate", "detail": ""})"},
         {Say(R"({"end": "programmed", "tries": 1, "programmed": 5120, "result": 5120, )"
-             R"("record": {"written": false, "end": "the module did not confirm CLROTP", "SN": "A1"}})") +
-             "exit 4",
-         ModuleResult::NotConfirmed, 5120, 5120, std::nullopt, "CLROTP"},
+             R"("record": {"written": false, "end": "the module did not confirm CLROTP", "SN": "A1"}})") + "exit 4",
+         R"({"result": "not confirmed", "xmodem_result": 5120, "record_number": null,
+             "detail": "no production record: the module did not confirm CLROTP"})"},
         {Say(R"({"end": "not downloaded", "tries": 2, "programmed": 0, "result": -4, "record": null})") +
              "echo 'Binary File was not downloaded' >&2; exit 5",
-         ModuleResult::NotDownloaded, -4, 0, std::nullopt, "not downloaded"},
+         R"({"result": "not downloaded", "xmodem_result": -4, "detail": "Binary File was not downloaded"})"},
         {Say(R"({"end": "file unreadable", "tries": 0, "programmed": 0, "result": 0, "record": null})") + "exit 6",
-         ModuleResult::FirmwareRefused, std::nullopt, 0, std::nullopt, ""},
-        {kProgress + "echo 'lost the port' >&2; kill -KILL $$", ModuleResult::Crashed, std::nullopt, 0, std::nullopt,
-         "1024 of 5000"},
-        {"echo 'no result line'", ModuleResult::Crashed, std::nullopt, 0, std::nullopt, "without a result"},
+         R"({"result": "firmware refused", "xmodem_result": null, "detail": "file unreadable, XMODEM result 0"})"},
+        {kProgress + "echo 'lost the port' >&2; kill -KILL $$",
+         R"({"result": "crashed", "xmodem_result": null,
+             "detail": "died: Killed: lost the port; 1024 of 5000 bytes were acknowledged"})"},
+        {"echo 'no result line'", R"x({"result": "crashed", "detail": "ended without a result (exit status 0)"})x"},
     };
     FakeLine fake;
     ProductionLine line(fake.Settings(), fake.Hooks());
     for (size_t i = 0; i < cases.size(); ++i) {
-        fake.scripts["ttyACM" + std::to_string(i)] = cases[i].script;
+        fake.scripts["ttyACM" + std::to_string(i)] = cases[i].first;
         line.Start({JobStep::Flash, "ttyACM" + std::to_string(i), "SN" + std::to_string(i)});
     }
     RunOut(line);
@@ -89,16 +83,13 @@ TEST(ProductionLine, EachEndOfADownloadBecomesTheRecordOfItsAttempt) {
     std::istringstream log(TempFolder::Read(fake.folder.File("line.log")));
     ASSERT_EQ(line.Records().size(), cases.size() + 1);
     for (const ModuleRecord& record : line.Records()) {
-        const Case& c = cases.at(std::stoul(record.Port.substr(6)));
-        EXPECT_EQ(record.Result, c.result) << record.Port;
-        EXPECT_EQ(record.XmodemResult, c.xmodem) << record.Port;
-        EXPECT_EQ(record.BytesProgrammed, c.bytes) << record.Port;
-        EXPECT_EQ(record.RecordNumber, c.number) << record.Port;
-        EXPECT_NE(record.Detail.find(c.detailHolds), std::string::npos) << record.Port << ": " << record.Detail;
-        EXPECT_EQ(record.Attempt, &record == &line.Records().back() ? 2 : 1) << record.Port;
-        std::string logged;
-        std::getline(log, logged);
-        EXPECT_EQ(nlohmann::json::parse(logged)["port"], record.Port);
+        std::string text;
+        std::getline(log, text);
+        EXPECT_EQ(text + '\n', LogLine(record));
+        const nlohmann::json logged = nlohmann::json::parse(text);
+        const auto expected = nlohmann::json::parse(cases.at(std::stoul(record.Port.substr(6))).second);
+        for (const auto& [key, value] : expected.items()) EXPECT_EQ(logged[key], value) << key << " of " << text;
+        EXPECT_EQ(record.Attempt, &record == &line.Records().back() ? 2 : 1) << text;
     }
     EXPECT_EQ(fake.progress, 2);
 }
