@@ -57,8 +57,8 @@ TEST(ConfigFile, SavedFileOpensToTheSameImageIdentityAndCatalog) {
     // and the options that the image's configuration shows.
     const Json json = Json::parse(TempFolder::Read(folder.File("a.sbconf")));
     EXPECT_EQ(json["module"]["SN"].get<std::string>(), std::string("S\0N\xC3\xA9", 5));
-    EXPECT_EQ(json["options"], Json::parse(R"([{"index": 0, "name": "Mod\u00E9", "value": "00000000", "shown": "Off"},)"
-                                           R"({"index": 2, "name": "Limit", "value": "00000050", "shown": "00000050 km/h"}])"));
+    EXPECT_EQ(json["options"], Json::parse(R"([{"index": 0, "name": "Mod\u00E9", "value": "00000000", "shown": "Off"},
+        {"index": 2, "name": "Limit", "value": "00000050", "shown": "00000050 km/h"}])"));
 }
 
 struct BadFile {
@@ -157,13 +157,8 @@ TEST(ConfigCompare, OneChangedOptionIsTheOneNamedWithBothShownTexts) {
     const std::string a = device.PredefCfgs.Items[1].Data;
     const std::string b = WithOption(device, 0, "00000001");
     EXPECT_TRUE(CompareConfigurations(device, a, device, a).Equal());
-    const ConfigComparison c = CompareConfigurations(device, a, device, b);
-    ASSERT_EQ(c.Options.size(), 1u);
-    EXPECT_EQ(c.Options[0].Name, "Mod\xE9");
-    EXPECT_EQ(c.Options[0].A.Shown, "Off");
-    EXPECT_EQ(c.Options[0].B.Shown, "On");
     EXPECT_EQ(CompareConfigurations(device, a, device, b, CompareMode::All).Options.size(), 3u);
-    EXPECT_EQ(ComparisonJson(c).dump(),
+    EXPECT_EQ(ComparisonJson(CompareConfigurations(device, a, device, b)).dump(),
               R"({"equal":false,"options":[{"name":")" "Mod\u00E9" R"(","differs":true,)"
               R"("a":{"index":0,"value":"00000000","shown":"Off","hidden":false},)"
               R"("b":{"index":0,"value":"00000001","shown":"On","hidden":false}}]})");

@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "../helpers/TempFolder.h"
-#include "production/ChildReport.h"
 #include "production/Station.h"
 #include "production/Summary.h"
 
@@ -49,35 +49,21 @@ void RunOut(ProductionLine& line) {
 
 std::string Say(const std::string& line) { return "printf '%s\\n' '" + line + "'; "; }
 
-const std::string kProgress = Say(ProgressLine({1, 1024, 5000}));
-
-// Each module on a port of its own, ttyACM<case>, with what its log line must
-// hold; the last case runs twice, the second time for the module of the first.
+// The download programs of download-ends.json, one a port, ttyACM<case>:
+// what each says on its standard output and does then, and what its log line
+// must hold. The last case runs twice, the second time for the module of the first.
 TEST(ProductionLine, EachEndOfADownloadIsLoggedAsTheRecordOfItsAttempt) {
-    const std::vector<std::pair<std::string, const char*>> cases = {
-        {kProgress + Say(R"({"end": "programmed", "tries": 1, "programmed": 5120, "result": 5120, "record": )"
-                         R"({"written": true, "end": "written", "number": 7, "SN": "A1", "Ver": "2.0", )"
-                         R"("Name": "Gate"}})"),
-         R"({"result": "programmed", "xmodem_result": 5120, "bytes_programmed": 5120, "record_number": 7,
-             "SN": "A1", "PVer": "2.0", "PName": "Gate", "detail": ""})"},
-        {Say(R"({"end": "programmed", "tries": 1, "programmed": 5120, "result": 5120, )"
-             R"("record": {"written": false, "end": "the module did not confirm CLROTP", "SN": "A1"}})") + "exit 4",
-         R"({"result": "not confirmed", "xmodem_result": 5120, "record_number": null,
-             "detail": "no production record: the module did not confirm CLROTP"})"},
-        {Say(R"({"end": "not downloaded", "tries": 2, "programmed": 0, "result": -4, "record": null})") +
-             "echo 'Binary File was not downloaded' >&2; exit 5",
-         R"({"result": "not downloaded", "xmodem_result": -4, "detail": "Binary File was not downloaded"})"},
-        {Say(R"({"end": "file unreadable", "tries": 0, "programmed": 0, "result": 0, "record": null})") + "exit 6",
-         R"({"result": "firmware refused", "xmodem_result": null, "detail": "file unreadable, XMODEM result 0"})"},
-        {kProgress + "echo 'lost the port' >&2; kill -KILL $$",
-         R"({"result": "crashed", "xmodem_result": null,
-             "detail": "died: Killed: lost the port; 1024 of 5000 bytes were acknowledged"})"},
-        {"echo 'no result line'", R"x({"result": "crashed", "detail": "ended without a result (exit status 0)"})x"},
-    };
+    const char* source = std::getenv("SB_SOURCE_DIR");
+    ASSERT_NE(source, nullptr);
+    const std::string path = std::string(source) + "/tests/production/download-ends.json";
+    const auto cases = nlohmann::json::parse(TempFolder::Read(path));
     FakeLine fake;
     ProductionLine line(fake.Settings(), fake.Hooks());
     for (size_t i = 0; i < cases.size(); ++i) {
-        fake.scripts["ttyACM" + std::to_string(i)] = cases[i].first;
+        std::string& script = fake.scripts["ttyACM" + std::to_string(i)];
+        for (const auto& said : cases[i]["says"])
+            script += Say(said.is_string() ? said.get<std::string>() : said.dump());
+        script += cases[i].value("then", "");
         line.Start({JobStep::Flash, "ttyACM" + std::to_string(i), "SN" + std::to_string(i)});
     }
     RunOut(line);
@@ -91,7 +77,7 @@ TEST(ProductionLine, EachEndOfADownloadIsLoggedAsTheRecordOfItsAttempt) {
         std::getline(log, text);
         EXPECT_EQ(text + '\n', LogLine(record));
         const nlohmann::json logged = nlohmann::json::parse(text);
-        const auto expected = nlohmann::json::parse(cases.at(std::stoul(record.Port.substr(6))).second);
+        const auto& expected = cases.at(std::stoul(record.Port.substr(6)))["logged"];
         for (const auto& [key, value] : expected.items()) EXPECT_EQ(logged[key], value) << key << " of " << text;
         EXPECT_EQ(record.Attempt, &record == &line.Records().back() ? 2 : 1) << text;
     }
@@ -186,7 +172,8 @@ TEST(Summary, NamesTheModulesWhoseLastAttemptFailed) {
     ASSERT_EQ(summary.Rows.size(), 2u);
     EXPECT_EQ(summary.Rows[0].Attempts, 2);
     EXPECT_FALSE(summary.AllSucceeded());
-    EXPECT_TRUE(summary.Table().ends_with("\n1 of 2 modules programmed; failed: S2 (ttyS2) [hung]\n")) << summary.Table();
+    const std::string table = summary.Table();
+    EXPECT_TRUE(table.ends_with("\n1 of 2 modules programmed; failed: S2 (ttyS2) [hung]\n")) << table;
 }
 
 TEST(FirmwareFile, KeepsTheBytesReadAtTheStartAndTellsAChangedFile) {
