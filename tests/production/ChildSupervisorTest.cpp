@@ -72,7 +72,6 @@ TEST(ChildSupervisor, AStoppedChildGetsTERMAndHoldsUpNoOther) {
     const auto hung = run.children.Start({"sleep", "30"}, {.Grace = 30s});
     const auto quick = run.Shell("echo done");
     while (!run.ends.count(quick)) run.children.Wait(-1);
-    EXPECT_EQ(run.lines[quick], std::vector<std::string>{"done"});
     EXPECT_FALSE(run.ends.count(hung));
     run.children.Stop(hung);
     run.WaitAll();

@@ -96,45 +96,37 @@ TEST(ProductionLine, AStationRefusesAFirmwareFileThatChanged) {
     EXPECT_TRUE(station.Finished());
 }
 
-// A step of a station's day: the modules listed now, what the book starts
-// for them, and how those jobs end.
-struct Step {
-    std::vector<ListedModule> listing;
-    std::vector<std::string> starts;  // "boot SERIAL" or "flash SERIAL"
-    bool ok = true;
-};
-
-std::string Name(const ModuleJob& job) {
-    return (job.Step == JobStep::Flash ? "flash " : "boot ") + job.UsbSerial;
-}
-
-void Play(StationBook& book, const std::vector<Step>& steps) {
-    for (size_t i = 0; i < steps.size(); ++i) {
-        const auto jobs = book.Plan(steps[i].listing);
-        std::vector<std::string> names;
-        for (const auto& job : jobs) names.push_back(Name(job));
-        EXPECT_EQ(names, steps[i].starts) << "step " << i;
-        for (const auto& job : jobs) book.Started(job);
-        for (const auto& job : jobs) book.Ended(job, steps[i].ok);
-    }
-}
-
+// A station's day, step by step: the modules listed, what the book starts for
+// them, and whether those jobs succeed.
 TEST(StationBook, ProgramsEachModuleOnceAndAFailedOneWhenPluggedInAgain) {
+    struct Step {
+        std::vector<ListedModule> listing;
+        std::vector<std::string> starts;  // "boot SERIAL" or "flash SERIAL"
+        bool ok = true;
+    };
+    const std::vector<Step> day = {
+        // Running: into the boot loader, and downloaded when it shows up there.
+        {{{"ttyACM0", "S1", R}}, {"boot S1"}},
+        {{{"ttyACM0", "S1", R}}, {}},
+        {{{"ttyACM1", "S1", B}, {"ttyACM2", "S2", B}}, {"flash S1", "flash S2"}},
+        // Programmed, back after RUN: left alone.
+        {{{"ttyACM0", "S1", R}, {"ttyACM2", "S2", B}}, {}},
+        // A failure stays failed while the module stays plugged in...
+        {{{"ttyACM3", "S3", B}}, {"flash S3"}, false},
+        {{{"ttyACM3", "S3", B}}, {}},
+        // ...and is tried again once it was away.
+        {{}, {}},
+        {{{"ttyACM4", "S3", R}}, {"boot S3"}},
+    };
     StationBook book;
-    Play(book, {
-                   // Running: into the boot loader, and downloaded when it shows up there.
-                   {{{"ttyACM0", "S1", R}}, {"boot S1"}},
-                   {{{"ttyACM0", "S1", R}}, {}},
-                   {{{"ttyACM1", "S1", B}, {"ttyACM2", "S2", B}}, {"flash S1", "flash S2"}},
-                   // Programmed, back after RUN: left alone.
-                   {{{"ttyACM0", "S1", R}, {"ttyACM2", "S2", B}}, {}},
-                   // A failure stays failed while the module stays plugged in...
-                   {{{"ttyACM3", "S3", B}}, {"flash S3"}, false},
-                   {{{"ttyACM3", "S3", B}}, {}},
-                   // ...and is tried again once it was away.
-                   {{}, {}},
-                   {{{"ttyACM4", "S3", R}}, {"boot S3"}},
-               });
+    for (size_t i = 0; i < day.size(); ++i) {
+        const auto jobs = book.Plan(day[i].listing);
+        std::vector<std::string> names;
+        for (const auto& job : jobs) names.push_back((job.Step == JobStep::Flash ? "flash " : "boot ") + job.UsbSerial);
+        EXPECT_EQ(names, day[i].starts) << "step " << i;
+        for (const auto& job : jobs) book.Started(job);
+        for (const auto& job : jobs) book.Ended(job, day[i].ok);
+    }
     EXPECT_EQ(book.Programmed(), 2);
 }
 

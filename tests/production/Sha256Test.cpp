@@ -13,8 +13,8 @@ std::string EveryByteThrice() {
     return bytes;
 }
 
-// The published vectors (56 and 1000000 bytes stand at a block border), 55
-// bytes at the padding's border, and every byte value.
+// Published vectors (of 56 bytes: one too many for the padding to share its
+// block), 55 bytes (just few enough), and every byte value over 12 blocks.
 const struct {
     std::string message;
     const char* digest;
@@ -23,9 +23,6 @@ const struct {
     {"abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
     {"abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq",
      "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1"},
-    {"abcdefghbcdefghicdefghijdefghijkefghijklfghijklmghijklmnhijklmnoijklmnopjklmnopqklmnopqrlmnopqrsmnopqrstnopqrstu",
-     "cf5b16a778af8380036ce59e7b0492370b249b11e8f07a51afac45037afee9d1"},
-    {std::string(1000000, 'a'), "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"},
     {std::string(55, 'a'), "9f4390f8d30c2dd92ec9f095b65e2b9ae9b0a925a5258e241c9f1e910f734318"},
     {EveryByteThrice(), "f3a25aa93aa2fbba28d79260535bbd6a5eb0fc1c24a8b0f04e12b484c1dfe363"},
 };
