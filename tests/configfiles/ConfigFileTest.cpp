@@ -111,7 +111,9 @@ TEST(ConfigFile, ModuleAnswersBecomeADocumentOnlyWithAnImageOfTheCatalog) {
     read.InfoFile = kCatalog;
     read.SN = "77";
     read.AppConfig = "04 00 00 00 00 00 2c 01";
-    EXPECT_EQ(LoadModuleConfig(read, "the module").Document.Image, "040000000000" "2C01");
+    const LoadedConfig config = LoadModuleConfig(read, "the module");
+    EXPECT_EQ(config.Document.Image, "0400000000002C01");
+    EXPECT_EQ(config.Document.Module.SN, "77");
     read.AppConfig = "No answer";
     EXPECT_THROW(LoadModuleConfig(read, "the module"), ConfigFileError);
 }
