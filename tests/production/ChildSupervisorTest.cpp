@@ -61,37 +61,26 @@ TEST(ChildSupervisor, EachChildEndsItsOwnWay) {
     EXPECT_EQ(run.ends[ids[0]].ErrorTail, "oops\n");
 }
 
-TEST(ChildSupervisor, AHungChildHoldsUpNoOther) {
-    Outcomes run;
-    const auto hung = run.Shell("sleep 30", {.Silence = 30s});
-    const auto quick = run.Shell("echo done");
-    while (!run.ends.count(quick)) run.children.Wait(-1);
-    EXPECT_EQ(run.lines[quick], std::vector<std::string>{"done"});
-    EXPECT_FALSE(run.ends.count(hung));
-    run.children.Stop(hung);
-    run.WaitAll();
-    EXPECT_EQ(run.ends[hung].Kind, ChildEndKind::Stopped);
-}
-
-TEST(ChildSupervisor, AProgramThatCannotStartIsRefusedAtOnce) {
-    Outcomes run;
-    EXPECT_THROW(run.children.Start({"/nonexistent/servicebay-cli"}, {}), std::system_error);
-    EXPECT_EQ(run.children.Running(), 0u);
-}
-
-TEST(ChildSupervisor, ChildrenGetTheStopSignalsAtTheirDefaults) {
-    // A parent that takes Ctrl-C through a signal descriptor blocks it; were
-    // its children to inherit that, a stop would reach them only as KILL.
+// A parent that takes Ctrl-C through a signal descriptor blocks TERM; were
+// its children to inherit that, a stop would reach them only as KILL.
+TEST(ChildSupervisor, AStoppedChildGetsTERMAndHoldsUpNoOther) {
     sigset_t blocked, before;
     sigemptyset(&blocked);
     sigaddset(&blocked, SIGTERM);
     ::sigprocmask(SIG_BLOCK, &blocked, &before);
     Outcomes run;
-    const auto id = run.children.Start({"sleep", "30"}, {.Grace = 30s});
-    run.children.Stop(id);
+    const auto hung = run.children.Start({"sleep", "30"}, {.Grace = 30s});
+    const auto quick = run.Shell("echo done");
+    while (!run.ends.count(quick)) run.children.Wait(-1);
+    EXPECT_FALSE(run.ends.count(hung));
+    run.children.Stop(hung);
     run.WaitAll();
     ::sigprocmask(SIG_SETMASK, &before, nullptr);
-    EXPECT_EQ(run.ends[id].Signal, SIGTERM);
+    EXPECT_EQ(run.ends[hung].Kind, ChildEndKind::Stopped);
+    EXPECT_EQ(run.ends[hung].Signal, SIGTERM);
+    // A program that cannot start is refused at once, and leaves nothing behind.
+    EXPECT_THROW(run.children.Start({"/nonexistent/servicebay-cli"}, {}), std::system_error);
+    EXPECT_EQ(run.children.Running(), 0u);
 }
 
 }  // namespace

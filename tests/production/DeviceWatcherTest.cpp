@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QSignalSpy>
 
+#include "../link/QtApp.h"
 #include "link/ModuleRegistry.h"
 
 namespace sb {
@@ -12,8 +12,7 @@ namespace {
 
 // A virtual module that appears and leaves, as its registry entry does.
 TEST(DeviceWatcher, AModuleComingAndGoingIsOneChangeEach) {
-    int argc = 0;
-    QCoreApplication app(argc, nullptr);
+    test::QtApp();
     DeviceWatcher watcher;
     QSignalSpy changed(&watcher, &DeviceWatcher::portsChanged);
     PublishModule("watched", {"/dev/null", "USB\\VID_0483&PID_5740\\W1", "watched"});
