@@ -1,15 +1,11 @@
 #pragma once
-#include <stdexcept>
-#include <vector>
-
 #include "link/PortInventory.h"
 
 namespace sb::test {
 
 // An inventory from a list that a test can change between scans; it can
 // refuse the connection or break off after a number of ports.
-class ListedInventory final : public PortInventory {
-public:
+struct ListedInventory final : PortInventory {
     explicit ListedInventory(std::vector<InventoryPort> ports = {}) : ports(std::move(ports)) {}
     void Connect() override {
         if (refuse) throw InventoryError(13, "Permission denied");

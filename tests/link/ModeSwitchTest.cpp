@@ -34,7 +34,7 @@ TEST(SwitchToRunning, ProbesSendsRunAndShowsWhatTheModuleSaidToIt) {
          },
          {"RUN\r\nStarting\r\n"}},
         {"an answer later than 200 ms is not shown, an empty one is", false,
-         [](const std::string& line) { return line == "GETSN\r" ? Answers("GETSN", "0001") : Reply{{250, "late"}}; },
+         [](const std::string& line) { return Reply{{line == "GETSN\r" ? 0 : 250, "GETSN\r\n0001\r\n> "}}; },
          {""}},
         {"a port that will not open", true, [](auto&) { return Reply{}; }, {}},
     };

@@ -13,8 +13,7 @@
 namespace sb::test {
 namespace {
 
-class PortControl : public ::testing::Test {
-protected:
+struct PortControl : ::testing::Test {
     // Made as the main screen makes it, so its load has run the first scan.
     frmPortControl& Make(std::vector<InventoryPort> ports) {
         QtApp();
@@ -39,9 +38,8 @@ protected:
     std::unique_ptr<frmPortControl> form_;
 };
 
-TEST_F(PortControl, ShowsTheScanAndHandsOutThePickedBootPort) {
+TEST_F(PortControl, ShowsTheScanAndItsFailureAndHandsOutThePickedBootPort) {
     auto& form = Make({kRunningA, kRunningB, kOther, kBootA, kBootB});
-    EXPECT_EQ(form.cmbUSBDevList->itemText(1), "ttyACM1");
     EXPECT_EQ(form.cmbUSBBootList->itemText(1), "/dev/pts/7");
     EXPECT_EQ(form.cmbUSBBootList->toolTip(), "Boot A");
     EXPECT_TRUE(form.cmdSelect->isEnabled());
@@ -59,6 +57,10 @@ TEST_F(PortControl, ShowsTheScanAndHandsOutThePickedBootPort) {
                   form.cmdScan->click();
                   form.cmdSelect->click();
               }), "/dev/pts/7");
+    // A scan that cannot reach the inventory says so in a message box.
+    inventory_->refuse = true;
+    form.cmdScan->click();
+    EXPECT_EQ(messages_.texts.size(), 1u);
 }
 
 TEST_F(PortControl, CancelAndTheCloseBoxEmptyTheResultAndTheNextScanFillsItAgain) {
@@ -66,13 +68,6 @@ TEST_F(PortControl, CancelAndTheCloseBoxEmptyTheResultAndTheNextScanFillsItAgain
     EXPECT_EQ(Choose([&form] { form.cmdCancel->click(); }), "");
     EXPECT_EQ(Choose([&form] { form.close(); }), "");
     EXPECT_EQ(Choose([&form] { form.cmdSelect->click(); }), "ttyACM2");
-}
-
-TEST_F(PortControl, ReportsAnUnreachableInventoryInAMessageBox) {
-    auto& form = Make({kBootA});
-    inventory_->refuse = true;
-    form.cmdScan->click();
-    EXPECT_EQ(messages_.texts.size(), 1u);
 }
 
 TEST_F(PortControl, EnterBootOnNotFoundOnlyScansElseLocksTheDialogWhileItHoldsThePortThenScans) {
@@ -94,22 +89,21 @@ TEST_F(PortControl, EnterBootOnNotFoundOnlyScansElseLocksTheDialogWhileItHoldsTh
     EXPECT_EQ(form.txtSelPort->text(), "ttyACM4");
 }
 
-TEST_F(PortControl, LeaveBootOnNotFoundOnlyScansElseShowsWhatTheModuleSaidToRun) {
+TEST_F(PortControl, LeaveBootOnNotFoundOnlyScansElseShowsWhatTheModuleSaidAndScansAlsoAfterAFault) {
     auto& form = Make({});
     inventory_->ports = {kBootA};
     form.cmdSwitchToDev->click();
     EXPECT_TRUE(port_->calls.empty());
     ScriptedModule module(*port_, clock_, [](const std::string& line) -> Reply {
-        if (line == "GETSN\r") return Answers("GETSN", "0001");
+        if (line == "GETSN\r") return {{0, "GETSN\r\n0001\r\n> "}};
         return {{10, "RUN\r\nApplication started\r\n"}};
     });
     form.cmdSwitchToDev->click();
     EXPECT_EQ(messages_.texts, std::vector<std::string>{"RUN\r\nApplication started\r\n"});
     EXPECT_EQ(form.StatusBar->currentMessage(), "Answer received");
-}
 
-TEST_F(PortControl, ASwitchThatFailsInAnotherWayThanOnThePortEndsWithTheScan) {
-    auto& form = Make({kBootA});
+    // A step that fails in another way than on the port ends the switch, which
+    // closes the port and scans all the same.
     port_->onOutput = [](const std::string&) { throw std::runtime_error("driver fault"); };
     inventory_->ports = {kBootB};
     EXPECT_NO_THROW(form.cmdSwitchToDev->click());

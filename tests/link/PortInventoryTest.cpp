@@ -12,8 +12,7 @@
 namespace sb::test {
 namespace {
 
-class Registry : public ::testing::Test {
-protected:
+struct Registry : ::testing::Test {
     Registry() { ::setenv("SERVICEBAY_REGISTRY", folder.c_str(), 1); }
 
     static std::vector<std::string> Listed() {

@@ -1,8 +1,6 @@
 #pragma once
-#include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -42,44 +40,22 @@ inline void WriteAll(int fd, const std::string& bytes) {
 }
 
 // A pseudo-terminal whose master side the test holds: the device under test
-// opens the slave by its path, and the test sees the slave's line settings
-// and its bytes from the master side.
-class PtyPair {
-public:
+// opens the slave by its path, and the test sees its line settings and bytes
+// from the master side.
+struct PtyPair {
     PtyPair() {
         int slave = -1;
         char name[128] = {};
-        if (::openpty(&master_, &slave, name, nullptr, nullptr) != 0) return;
+        ::openpty(&master, &slave, name, nullptr, nullptr);
         ::close(slave);
-        slavePath_ = name;
-        ::fcntl(master_, F_SETFL, ::fcntl(master_, F_GETFL) | O_NONBLOCK);
-        // A program the test starts must not keep the device alive.
-        ::fcntl(master_, F_SETFD, FD_CLOEXEC);
+        slavePath = name;
     }
-    ~PtyPair() { Vanish(); }
+    ~PtyPair() { ::close(master); }
     PtyPair(const PtyPair&) = delete;
     PtyPair& operator=(const PtyPair&) = delete;
 
-    int MasterFd() const { return master_; }
-    const std::string& SlavePath() const { return slavePath_; }
-
-    termios SlaveSettings() const {
-        termios tio{};
-        ::tcgetattr(master_, &tio);
-        return tio;
-    }
-
-    void Send(const std::string& bytes) const { WriteAll(master_, bytes); }
-
-    // The device goes away, as an unplugged module does.
-    void Vanish() {
-        if (master_ >= 0) ::close(master_);
-        master_ = -1;
-    }
-
-private:
-    int master_ = -1;
-    std::string slavePath_;
+    int master = -1;
+    std::string slavePath;
 };
 
 }  // namespace sb::test
