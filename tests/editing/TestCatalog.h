@@ -15,8 +15,7 @@ inline const std::string& TestCatalog() {
     return text;
 }
 
-// The images of "Module" and "Car" as hex text.
+// The image of "Module" as hex text.
 inline constexpr const char* kModuleImage = "000000000F21415A";
-inline constexpr const char* kCarImage = "0400000014020058";
 
 }  // namespace sb::test

@@ -1,13 +1,8 @@
 #pragma once
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QDialog>
-#include <QRadioButton>
-#include <QSignalSpy>
 #include <QTest>
-#include <QTreeWidget>
 #include <deque>
 #include <functional>
 #include <stdexcept>
@@ -16,7 +11,6 @@
 #include "../editing/TestCatalog.h"
 #include "MessageRecorder.h"
 #include "mainscreen/frmDeviceCofigurator.h"
-#include "ui/Latin1.h"
 #include "ui/ModalDialog.h"
 
 // What the screen tests share: one application with the Qt event loop as the
@@ -29,13 +23,12 @@ QApplication& Application();
 
 // Takes the place of the modal show for its lifetime: each show runs the
 // next scripted step with the dialog (a dialog without a step is left as it
-// is, like Cancel without a click). Every show is noted by object name.
+// is, like Cancel without a click).
 class ModalScript {
 public:
     using Step = std::function<void(QDialog& dialog)>;
     ModalScript() {
         ui::SetModalHandler([this](QDialog& dialog) {
-            shown.push_back(dialog.objectName().toStdString());
             if (steps.empty()) return;
             Step step = std::move(steps.front());
             steps.pop_front();
@@ -43,20 +36,16 @@ public:
         });
     }
     ~ModalScript() { ui::SetModalHandler({}); }
-    ModalScript(const ModalScript&) = delete;
-    ModalScript& operator=(const ModalScript&) = delete;
+    Q_DISABLE_COPY(ModalScript)
 
     void Then(Step step) { steps.push_back(std::move(step)); }
 
     std::deque<Step> steps;
-    std::vector<std::string> shown;
 };
 
 // Clicks the named button of a dialog.
 inline void Click(QDialog& dialog, const char* button) {
-    auto* found = dialog.findChild<QPushButton*>(QLatin1String(button));
-    if (!found) throw std::logic_error(std::string("no button ") + button);
-    found->click();
+    dialog.findChild<QPushButton*>(QLatin1String(button))->click();
 }
 
 // The main screen, shown on the offscreen platform.
@@ -71,18 +60,14 @@ struct Screen {
         TreeNode* node = form.Tree().Find(key);
         return node ? form.Tree().ItemOf(*node) : throw std::out_of_range("no node " + key);
     }
-    std::string Text(const std::string& key) { return ui::Bytes(Item(key)->text(0)); }
     // Ticked and bold.
     bool On(const std::string& key) { return Item(key)->checkState(0) == Qt::Checked && Item(key)->font(0).bold(); }
-    std::string CfgEdited() const { return form.CfgEditedText(); }
 
     // Mouse clicks as a person makes them, on a node's check box or on its
     // text, once or twice; the node is expanded into view first.
     void Click(const std::string& key, bool onBox, bool twice);
-    void ClickBox(const std::string& key) { Click(key, true, false); }
-    void DoubleClickBox(const std::string& key) { Click(key, true, true); }
-    void ClickText(const std::string& key) { Click(key, false, false); }
-    void DoubleClick(const std::string& key) { Click(key, false, true); }
+    void ClickBox(const std::string& key, bool twice = false) { Click(key, true, twice); }
+    void ClickText(const std::string& key, bool twice = false) { Click(key, false, twice); }
 };
 
 // A main screen whose dialogs and message boxes are scripted, with the test
