@@ -45,7 +45,9 @@ public:
 
 // Clicks the named button of a dialog.
 inline void Click(QDialog& dialog, const char* button) {
-    dialog.findChild<QPushButton*>(QLatin1String(button))->click();
+    auto* pushButton = dialog.findChild<QPushButton*>(QLatin1String(button));
+    ASSERT_NE(pushButton, nullptr) << button;
+    pushButton->click();
 }
 
 // The main screen, shown on the offscreen platform.
