@@ -25,10 +25,10 @@ public:
         {"GETSN", "00004711"},      {"GETVER", " 1.04.02 "},        {"GETNAME", "Sniffer"},
         {"GETPDATE", "17.01.2024"}, {"GETUID", "3A0F5C21D4E8B907"}, {"CLROTP", "OTP cleared: OK"},
     };
-    int cancelTransfers = 0;  // this many transfers end in CAN CAN at their first block
+    int cancelTransfers = 0;  // the next this many transfers end in CAN CAN at their first block
     bool vanish = false;      // the port fails at the first block
 
-    std::string image;                  // the data fields of the last transfer
+    std::string image;                  // the data fields of the blocks taken
     int boots = 0;                      // CR "BOOT" CR received
     std::vector<std::string> commands;  // framed command lines, without their CR
 
@@ -43,7 +43,6 @@ private:
     }
 
     void Boot() {
-        image.clear();
         mode_ = Mode::Handshake;
         Ask(++boots, 100);
     }
@@ -61,8 +60,8 @@ private:
         mode_ = Mode::Blocks;
         if (vanish) {
             port.failInput = port.failOutput = true;
-        } else if (cancels_ < cancelTransfers) {
-            ++cancels_;
+        } else if (cancelTransfers > 0) {
+            --cancelTransfers;
             End("\x18\x18", "Flash ERROR\r\n");
         } else {
             image += block.substr(3, 1024);
@@ -83,12 +82,9 @@ private:
         Answer(line + "\n" + answers[command.substr(0, command.find(' '))] + "\r\n> ");
     }
 
-    void Answer(const std::string& bytes) {
-        clock.After(1, [this, bytes] { port.Feed(bytes); });
-    }
+    void Answer(const std::string& bytes) { clock.After(1, [this, bytes] { port.Feed(bytes); }); }
 
     Mode mode_ = Mode::Commands;
-    int cancels_ = 0;
 };
 
 }  // namespace sb::test

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
-#include <nlohmann/json.hpp>
+#include <map>
 #include <stdexcept>
+#include <system_error>
 
 #include "../helpers/TempFolder.h"
 #include "../link/ScriptedModule.h"
@@ -13,8 +13,9 @@
 #include "helpers/IniFile.h"
 #include "update/UpdateRun.h"
 
-// Whole update runs against the fake boot loader, with the screen's parts
-// played by hooks.
+// Whole update runs and the production record at their end against the fake
+// boot loader, with the screen's parts played by hooks and a sniffer.ini of
+// the test's own.
 namespace sb {
 namespace {
 
@@ -43,13 +44,16 @@ struct Rig {
             return ok ? ui::MessageAnswer::Ok : ui::MessageAnswer::Cancel;
         };
         hooks.EnableStart = [this](bool enabled) { enables.push_back(enabled); };
-        const UpdateOutcome outcome = UpdateRun(module.port, status, hooks).Run(production, IniPath());
+        const UpdateOutcome outcome = UpdateRun(module.port, status, hooks).Run(production, Ini());
         EXPECT_FALSE(module.port.PortOpen());
         EXPECT_EQ(enables, (std::vector<bool>{false, true}));
         return outcome;
     }
 
-    std::string IniPath() const { return folder.File("sniffer.ini"); }
+    std::string Ini() const { return folder.File("sniffer.ini"); }
+    std::string Read(const std::string& section, const std::string& key) const {
+        return IniReadValue(section, key, "(missing)", Ini());
+    }
     int Opens() const { return static_cast<int>(std::ranges::count(module.port.calls, "SetPortOpen(true)")); }
 
     TempFolder folder;
@@ -94,10 +98,8 @@ TEST(UpdateRun, DownloadsTheFileAndRecordsItWithTheFlagOrOffersARetry) {
         const std::string image = programmed ? test::PaddedToWholeBlocks(test::RandomBytes(1000, 1)) : "";
         EXPECT_EQ(rig.module.image, image) << c.name;
         EXPECT_TRUE(std::equal(opening.begin(), opening.end(), rig.module.port.calls.begin())) << c.name;
-        EXPECT_EQ(rig.module.port.written.front(), "\rBOOT\r") << c.name;
         EXPECT_EQ(outcome.Record.has_value(), recorded) << c.name;
-        EXPECT_EQ(IniReadValue("STAT_00000001", "UID", "", rig.IniPath()), recorded ? "3A0F5C21D4E8B907" : "");
-        EXPECT_EQ(rig.module.commands.empty(), !recorded) << c.name;
+        EXPECT_EQ(rig.Read("STAT_00000001", "UID"), recorded ? "3A0F5C21D4E8B907" : "(missing)") << c.name;
     }
 }
 
@@ -105,8 +107,7 @@ TEST(UpdateRun, DownloadsTheFileAndRecordsItWithTheFlagOrOffersARetry) {
 // file when it has content, a folder, or nothing), the port chosen; the one
 // message of each. Only an empty file is found behind the boot command.
 TEST(UpdateRun, EndsWithItsMessageWhenFileOrPortIsMissing) {
-    const std::string here = std::string(std::getenv("SB_SOURCE_DIR")) + "/tests/update/";
-    for (const auto& c : nlohmann::json::parse(TempFolder::Read(here + "missing-cases.json"))) {
+    for (const auto& c : test::TestCases("update/missing-cases.json")) {
         SCOPED_TRACE(c.dump());
         Rig rig;
         rig.selPort = c.value("port", "ttyACM0");
@@ -129,9 +130,8 @@ TEST(UpdateRun, ARetrySendsTheBootCommandAgainAndReadsTheFileAnew) {
     const std::string second = test::RandomBytes(1500, 2);
     rig.onMessage = [&rig, &second] { TempFolder::Write(rig.fileName, second); };
     EXPECT_EQ(rig.Run().Tries, 2);
-    EXPECT_EQ(rig.module.boots, 2);
+    // Taken only behind a boot command.
     EXPECT_EQ(rig.module.image, test::PaddedToWholeBlocks(second));
-    EXPECT_EQ(rig.messages.front(), RetryQuestion("Flash ERROR\r\n"));
     EXPECT_EQ(rig.messages.size(), 2u);
     EXPECT_EQ(rig.Opens(), 1);  // the port stays open between the tries
 }
@@ -147,6 +147,45 @@ TEST(UpdateRun, APortThatCannotBeOpenedPassesTheWaitsIntoTheRetry) {
     // 500 ms behind the opening, 500 behind the try's opening, 500 behind the
     // boot command and 1000 before the report; the retry without the first.
     EXPECT_EQ((rig.module.clock.Now() - rig.start) / 100, (2500 + 2000) / 100);
+}
+
+// The cases of record-cases.json: the sniffer.ini before, the module's answers
+// that differ, a fault of the file or the port; the record's end and how many
+// of the commands went out. A written record shows its section, count and one
+// value, or the whole file; any other end leaves the file as it was.
+TEST(ProductionRecord, EachCaseEndsAsItSays) {
+    const std::map<std::string, RecordEnd> ends = {
+        {"Written", RecordEnd::Written},           {"UidNotSixteen", RecordEnd::UidNotSixteen},
+        {"NotCleared", RecordEnd::NotCleared},     {"SerialError", RecordEnd::SerialError},
+        {"NoNumberLeft", RecordEnd::NoNumberLeft}, {"WriteFailed", RecordEnd::WriteFailed}};
+    const std::vector<std::string> commands = {"GETSN",    "GETVER", "GETNAME",
+                                               "GETPDATE", "GETUID", "CLROTP 3A0F5C21D4E8B907"};
+    for (const auto& c : test::TestCases("update/record-cases.json")) {
+        SCOPED_TRACE(c.dump());
+        const std::string before = c.value("before", ""), fault = c.value("fault", "");
+        Rig rig;
+        if (!before.empty()) TempFolder::Write(rig.Ini(), before);
+        const auto answers = c.value("answers", nlohmann::json::object());
+        for (const auto& [command, answer] : answers.items()) rig.module.answers[command] = answer;
+        if (fault == "locked") std::filesystem::permissions(rig.Ini(), std::filesystem::perms::owner_read);
+        rig.module.port.failOutput = fault == "port";
+        rig.module.port.SetPortOpen(true);
+        const ProductionRecord record = WriteProductionRecord(rig.module.port, rig.status, rig.Ini());
+        EXPECT_EQ(record.End, ends.at(c["end"]));
+        EXPECT_EQ(rig.module.commands, std::vector(commands.begin(), commands.begin() + c["sent"].get<int>()));
+        EXPECT_EQ(record.PortFailure.has_value(), fault == "port");
+        const auto why = fault == "locked" ? std::make_error_code(std::errc::permission_denied) : std::error_code();
+        EXPECT_EQ(record.WriteFailure, why) << why.message();
+        const std::string file = TempFolder::Read(rig.Ini());
+        if (!c.contains("section")) {
+            EXPECT_EQ(file, before);
+            continue;
+        }
+        EXPECT_EQ(record.Section, c["section"]);
+        EXPECT_NE(file.find("QTY=" + c["qty"].get<std::string>() + "\r\n"), std::string::npos);
+        EXPECT_EQ(rig.Read(c["section"], c["key"]), c["value"]);
+        EXPECT_EQ(file, c.value("file", file));  // the whole file where a case gives it
+    }
 }
 
 }  // namespace

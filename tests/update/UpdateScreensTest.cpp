@@ -29,11 +29,6 @@ Chooser Pick(const std::string& folder, const std::string& name, const char* but
     };
 }
 
-// Folder, drive and file list's folder, as "dir drive path".
-std::string PlaceOf(ui::frmFileCtrl& chooser) {
-    return chooser.Dir1->Path() + " " + chooser.Drive1->Drive() + " " + chooser.File1->Path();
-}
-
 // A stick in the test's folder is the one drive besides "/".
 class UpdateScreens : public ::testing::Test {
 protected:
@@ -70,11 +65,11 @@ protected:
 };
 
 TEST_F(UpdateScreens, TheChooserOpensAtTheProgramFirstThenWhereItEndedWhileThatPlaceIsThere) {
-    const std::string program = ProgramDirectory();
     std::string first, second, gone;
+    // Notes folder, drive and file list's folder, as "dir drive path".
     const auto noteAnd = [](std::string& place, const char* button) {
         return [&place, button](ui::frmFileCtrl& chooser) {
-            place = PlaceOf(chooser);
+            place = chooser.Dir1->Path() + " " + chooser.Drive1->Drive() + " " + chooser.File1->Path();
             Click(chooser, button);
         };
     };
@@ -98,7 +93,7 @@ TEST_F(UpdateScreens, TheChooserOpensAtTheProgramFirstThenWhereItEndedWhileThatP
     QtSerialPort port;
     frmPortControl portControl;
     forms.ShowTarnlift(port, portControl);
-    EXPECT_EQ(first, program + " / " + program);
+    EXPECT_EQ(first, ProgramDirectory() + " / " + ProgramDirectory());
     // The drive is the mount point that holds the folder.
     EXPECT_EQ(second, Stick() + " " + Stick() + " " + Stick());
     EXPECT_EQ(gone, first);

@@ -66,13 +66,12 @@ public:
     test::FakeSerialPort port;
 
 private:
-    // Plain rx asks for the checksum with NAK, rx -c for CRC-16 with "C".
+    // Plain rx asks for the checksum with NAK, rx -c for CRC-16 with "C" (-b again in its place).
     [[noreturn]] static void Exec(int end, const test::TempFolder& folder, bool crc) {
         ::dup2(end, 0);
         ::dup2(end, 1);
         if (::chdir(folder.Path().c_str()) != 0) ::_exit(126);
-        if (crc) ::execlp("rx", "rx", "-b", "-c", "received", nullptr);
-        ::execlp("rx", "rx", "-b", "received", nullptr);
+        ::execlp("rx", "rx", "-b", crc ? "-c" : "-b", "received", nullptr);
         ::_exit(127);
     }
 
