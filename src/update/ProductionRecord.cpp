@@ -34,6 +34,19 @@ std::optional<int32_t> NextRecordNumber(const std::string& iniPath) {
     return static_cast<int32_t>(next);
 }
 
+// Gives the record the next number and its section; false (and the end
+// NoNumberLeft) when the count has none left.
+bool TakeNextNumber(ProductionRecord& record, const std::string& iniPath) {
+    const std::optional<int32_t> number = NextRecordNumber(iniPath);
+    if (!number) {
+        record.End = RecordEnd::NoNumberLeft;
+        return false;
+    }
+    record.Number = *number;
+    record.Section = kRecordSectionPrefix + Uint32ToHex(record.Number);
+    return true;
+}
+
 class Exchanges {
 public:
     Exchanges(SerialPort& port, StatusText& status, ProductionRecord& record)
@@ -75,13 +88,7 @@ std::string RecordValue(const std::string& answer) {
 
 ProductionRecord WriteProductionRecord(SerialPort& port, StatusText& status, const std::string& iniPath) {
     ProductionRecord record;
-    const std::optional<int32_t> number = NextRecordNumber(iniPath);
-    if (!number) {
-        record.End = RecordEnd::NoNumberLeft;
-        return record;
-    }
-    record.Number = *number;
-    record.Section = kRecordSectionPrefix + Uint32ToHex(record.Number);
+    if (!TakeNextNumber(record, iniPath)) return record;
 
     Exchanges module(port, status, record);
     record.SN = module.Ask(Command(cmd::GETSN));
@@ -109,13 +116,7 @@ ProductionRecord WriteProductionRecord(SerialPort& port, StatusText& status, con
     // taken again under the lock, so that the count read and the count
     // written are one step and no two modules share a record.
     const FileLock lock(iniPath);
-    const std::optional<int32_t> numberNow = NextRecordNumber(iniPath);
-    if (!numberNow) {
-        record.End = RecordEnd::NoNumberLeft;
-        return record;
-    }
-    record.Number = *numberNow;
-    record.Section = kRecordSectionPrefix + Uint32ToHex(record.Number);
+    if (!TakeNextNumber(record, iniPath)) return record;
     const bool written = IniWriteValues(
         {
             {kStatSection, kStatQuantityKey, SignText(record.Number)},
