@@ -32,7 +32,7 @@ void ReplaceAll(std::string& text, const std::string& from, const std::string& t
 class CommandCases : public ModuleTest {
 protected:
     void RunCases(const std::string& file) {
-        for (const json& c : json::parse(TempFolder::Read(here + file))) {
+        for (const json& c : TestCases("tools/" + file)) {
             SCOPED_TRACE(c["name"].get<std::string>());
             RunCase(c, folder.File(c["name"].get<std::string>()));
         }
