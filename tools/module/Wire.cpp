@@ -77,14 +77,14 @@ void Wire::Purge(int quietMs) {
 void Wire::Send(const std::string& bytes) {
     if (delivery_ == Delivery::WholeWrites) return Write(bytes.data(), bytes.size());
     constexpr auto kPacketTime = std::chrono::microseconds(1000) / kUsbPacketsPerFrame;
-    for (size_t at = 0; at < bytes.size(); at += kUsbPacketBytes) {
-        // Slots keep their schedule: a packet that a late wake held back goes
-        // at once, and the next keeps its own time.
-        const auto slot = std::max(Clock::now(), nextPacket_);
+    // An idle bus takes the first packet at once.
+    auto slot = std::max(Clock::now(), nextPacket_);
+    for (size_t at = 0; at < bytes.size(); at += kUsbPacketBytes, slot += kPacketTime) {
+        // A late wake sends its packet at once and leaves the later slots where they are.
         SleepUntil(slot);
         Write(bytes.data() + at, std::min(kUsbPacketBytes, bytes.size() - at));
-        nextPacket_ = slot + kPacketTime;
     }
+    nextPacket_ = slot;
 }
 
 void Wire::Write(const char* bytes, size_t size) {
