@@ -4,7 +4,9 @@
 #  1. a module that answers at once: the wall time of the whole command, from
 #     its start to its end (so an upper bound of "opening to last answer",
 #     the 500 ms wait behind the opening included); best, median and worst
-#     of several runs.
+#     of several runs. Each of the eleven exchanges lasts one 10 ms poll of
+#     the terminal, in which the whole answer comes; the limit only catches a
+#     read that needs more polls than that.
 #  2. a silent module (eleven "No answer", about 22 s): the processor time
 #     of the command against its wall time; waiting must cost no processor.
 #

@@ -35,8 +35,11 @@ void PumpEvents();
 // tick wraps below its start. Whatever a handler that runs inside the wait
 // throws passes through to the waiting caller.
 void WaitMs(double ms);
-// The same, but it also ends as soon as serial input arrives. Polling loops
-// that count passes use it so that they react to a byte at once.
+// The same, but it also ends as soon as serial input arrives. Only for a
+// polling loop that takes one byte a pass: it reacts to the byte at once, and
+// the pass that took it is the pass that would have taken it after the whole
+// wait. A loop that takes everything waiting must wait its whole poll, or it
+// splits a reply that arrives in packets.
 void WaitMsOrInput(double ms);
 
 }  // namespace sb

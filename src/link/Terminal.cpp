@@ -48,8 +48,10 @@ std::string TerminalRead() {
         receiveBuffer += taken;
         if (taken.empty()) {
             ++idle;
-            // A pass ends as soon as input arrives; the count of passes stays the limit.
-            WaitMsOrInput(kPollMs);
+            // The whole poll, not up to the first byte: a module on USB hands a
+            // reply over in packets a fraction of a millisecond apart, and the
+            // exchange counts reads, so a read must gather them all.
+            WaitMs(kPollMs);
         }
         if (idle == kIdlePolls) return {};
         if (!receiveBuffer.empty()) break;

@@ -24,7 +24,9 @@ std::string TerminalExecute(const std::string& command, SerialPort& port, Status
 
 // The steps of an exchange, on the bound port and status.
 void TerminalSend(const std::string& text);
-// What came in, as soon as anything has; empty after 100 idle polls.
+// What came in, as soon as a poll has taken anything: a poll that takes
+// nothing waits 10 ms, so the next takes all that came meanwhile. Empty after
+// 100 idle polls.
 std::string TerminalRead();
 void TerminalFlush();
 

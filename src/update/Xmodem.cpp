@@ -195,6 +195,8 @@ int16_t XmodemGetByte(int32_t limitMs) {
         if (!receiveBuffer.empty()) continue;
         ++polls;
         if (limitMs / kPollMs <= polls) return -1;
+        // One byte a pass: a wait that ends on input only takes that byte
+        // sooner, in the same pass; the passes without input last their 10 ms.
         WaitMsOrInput(kPollMs);
     }
 }

@@ -26,8 +26,8 @@ struct Exchange {
 // bytes] and the answer taken from it; where given, the last status or every
 // one, the time it took, the reads of the port, and the dots of the last
 // stage. A read that gets nothing makes 100 polls of 10 ms; the echo stage
-// makes two reads, the answer stage three. Pieces 50 ms apart come each with
-// a read of its own; a poll ends as input arrives.
+// makes two reads, the answer stage three. A read takes all that came during
+// its poll: pieces inside one poll make one read, pieces a poll apart a read each.
 TEST(TerminalExecute, TakesTheAnswerBetweenTheLineBreakAndAClosingPrompt) {
     const std::string file = std::string(std::getenv("SB_SOURCE_DIR")) + "/tests/link/terminal-exchanges.json";
     const auto cases = nlohmann::json::parse(TempFolder::Read(file));

@@ -72,6 +72,11 @@ TEST_F(BootLoaderSwitches, EachShowsOnTheWire) {
         {"catalog broken", {"--catalog-broken"}, {{"GETINFOFILE\r", Framed("GETINFOFILE", half)}}},
         {"configuration too short", {"--config-length", "5"}, {{"GETAPPCFG\r", Framed("GETAPPCFG", "0300000055")}}},
         {"configuration too long", {"--config-length", "19"}, {{"GETAPPCFG\r", Framed("GETAPPCFG", image + "00")}}},
+        // 16,000 hex digits in 251 packets of 64 bytes, 16 a millisecond.
+        {"a long answer as USB full speed hands it over",
+         {"--config-length", "8000"},
+         {{"GETAPPCFG\r", Framed("GETAPPCFG", image + std::string(2 * (8000 - 18), '0'))}},
+         15},
         {"vanish at the second command",
          {"--vanish-after-commands", "1"},
          {{"GETSN\r", sn}, {"GETNAME\r", ""}},

@@ -61,7 +61,7 @@ void VirtualModule::Run() {
     Appear();
     try {
         for (;;) {
-            Wire wire(*pty_, stopFd_);
+            Wire wire(*pty_, stopFd_, settings_.delivery);
             wire.WaitForOpening();
             if (mode_ == Mode::Running ? ServeRunning(wire) : ServeBoot(wire))
                 Reenumerate(mode_ == Mode::Running ? Mode::Boot : Mode::Running);

@@ -20,6 +20,7 @@ struct ModuleSettings {
     std::string linkPath;     // empty: no link
     std::string statePath;    // empty: no state file
     int reenumerateMs = 200;  // how long the module is away when it changes its mode
+    Delivery delivery = Delivery::UsbPackets;
     bool quiet = false;
 };
 

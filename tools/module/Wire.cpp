@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <system_error>
@@ -74,9 +75,22 @@ void Wire::Purge(int quietMs) {
 }
 
 void Wire::Send(const std::string& bytes) {
+    if (delivery_ == Delivery::WholeWrites) return Write(bytes.data(), bytes.size());
+    constexpr auto kPacketTime = std::chrono::microseconds(1000) / kUsbPacketsPerFrame;
+    // An idle bus takes the first packet at once.
+    auto slot = std::max(Clock::now(), nextPacket_);
+    for (size_t at = 0; at < bytes.size(); at += kUsbPacketBytes, slot += kPacketTime) {
+        // A late wake sends its packet at once and leaves the later slots where they are.
+        SleepUntil(slot);
+        Write(bytes.data() + at, std::min(kUsbPacketBytes, bytes.size() - at));
+    }
+    nextPacket_ = slot;
+}
+
+void Wire::Write(const char* bytes, size_t size) {
     size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t n = ::write(pty_.MasterFd(), bytes.data() + done, bytes.size() - done);
+    while (done < size) {
+        const ssize_t n = ::write(pty_.MasterFd(), bytes + done, size - done);
         if (n > 0) {
             done += static_cast<size_t>(n);
             continue;
@@ -88,11 +102,15 @@ void Wire::Send(const std::string& bytes) {
     }
 }
 
-void Wire::Pause(int ms) {
-    const auto end = Deadline(ms);
-    while (MsLeft(end) > 0) {
+void Wire::Pause(int ms) { SleepUntil(Deadline(ms)); }
+
+void Wire::SleepUntil(Clock::time_point end) {
+    for (auto left = end - Clock::now(); left > Clock::duration::zero(); left = end - Clock::now()) {
+        const auto s = std::chrono::duration_cast<std::chrono::seconds>(left);
+        const timespec timeout{static_cast<time_t>(s.count()),
+                               static_cast<long>(std::chrono::nanoseconds(left - s).count())};
         pollfd stop{stopFd_, POLLIN, 0};
-        ::poll(&stop, 1, MsLeft(end));
+        ::ppoll(&stop, 1, &timeout, nullptr);
         if (stop.revents) throw StopRequested{};
     }
 }

@@ -45,7 +45,8 @@ constexpr const char* kDescription =
     "in CR with the echo of the line, LF, the answer and the prompt CR LF \"> \"; it\n"
     "receives firmware by XMODEM behind CR \"BOOT\" CR and answers \"RUN\" CR LF by\n"
     "starting the firmware. Each change of mode makes a new device, as a module on USB\n"
-    "re-enumerates.\n\n"
+    "re-enumerates. What it sends reaches the line as from a module on USB full speed:\n"
+    "in packets of at most 64 bytes, 16 a millisecond (--whole-writes: all at once).\n\n"
     "The profile (KEY = VALUE lines, see data/SampleModule.profile) gives the answers\n"
     "and the catalog. Texts given to the options below may hold \\r, \\n, \\t, \\\\ and \\xHH.\n";
 
@@ -94,6 +95,10 @@ void AddModuleOptions(CLI::App& app, ModuleSettings& s, std::string& profilePath
         ->type_name("MS")
         ->capture_default_str()
         ->check(kNotNegative);
+    app.add_flag_function(
+        "--whole-writes", [&s](std::int64_t) { s.delivery = sb::module::Delivery::WholeWrites; },
+        "Hand each reply to the line at once, in one piece, instead of in packets of at most\n"
+        "64 bytes paced as on USB full speed (16 a millisecond)");
     app.add_flag("--quiet", s.quiet, "No messages on standard error");
 }
 
