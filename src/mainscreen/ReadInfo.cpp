@@ -85,7 +85,8 @@ void frmDeviceCofigurator::ClearPreviousRead() {
     cmdSelPredefCfg->setEnabled(false);
 }
 
-void frmDeviceCofigurator::ShowModuleTexts(const DeviceInfo& info, bool withAppInfo) {
+void frmDeviceCofigurator::ShowModuleTexts(const DeviceInfo& info, bool withAppInfo, const std::string& file) {
+    ShowTitleFor(file);
     // txtAppConfig shows the configuration as the module sent it.
     Show(*txtAppConfig, info.AppConfig);
     Show(*txtHWVer, info.HWVer);
