@@ -167,8 +167,8 @@ private:
     void ShowTitleFor(const std::string& file);
     void ConfigurationAfterRead(DeviceInfo& local);
     bool LoadCatalogOrSay(DeviceInfo& local);
-    // The parser's reason, if there is one, then "Module do not support info
-    // file feature".
+    // Why the catalog is refused, if it is known, then "Module do not
+    // support info file feature".
     void SayCatalogRefused(const std::string& reason);
     void TakeCatalogIn(DeviceInfo& local);
     void FillConfigList(const DeviceInfo& info);
