@@ -132,10 +132,12 @@ int32_t OptionIndex(const DeviceInfo& device, const std::string& name) {
     if (named.size() > 1) {
         std::string indexes;
         for (const int32_t i : named) indexes += " " + std::to_string(i);
-        Fail(kExitUsage, "More than one option is called \"" + Latin1ToTerminal(name) + "\": give its index, one of" + indexes);
+        Fail(kExitUsage,
+             "More than one option is called \"" + Latin1ToTerminal(name) + "\": give its index, one of" + indexes);
     }
     if (IsDecText(name) && name.size() < 10 && std::stol(name) < device.Options.Count()) return std::stoi(name);
-    Fail(kExitUsage, "No option \"" + Latin1ToTerminal(name) + "\" in the catalog; options are named or numbered from 0 to " +
+    Fail(kExitUsage, "No option \"" + Latin1ToTerminal(name) +
+                         "\" in the catalog; options are named or numbered from 0 to " +
                          std::to_string(device.Options.Count() - 1));
 }
 
@@ -157,7 +159,9 @@ std::string RawValueOf(const OptionRec& option, const std::string& typed) {
         const double min = HexToUint32(option.MinValue);
         const double max = HexToUint32(option.MaxValue);
         const double value = hex.empty() || hex.size() > 8 ? -1 : HexToUint32(hex);
-        if (value < min || value > max) WrongValue(option, "a hex number from " + option.MinValue + " to " + option.MaxValue);
+        if (value < min || value > max)
+            WrongValue(option, "a hex number from " + Latin1ToTerminal(option.MinValue) + " to " +
+                                   Latin1ToTerminal(option.MaxValue));
         return Uint32ToHex(value);
     }
     if (option.Type == "BIN" || option.Type == "BITFIELD") {
@@ -169,7 +173,8 @@ std::string RawValueOf(const OptionRec& option, const std::string& typed) {
         if (typed.size() != bytes) WrongValue(option, std::to_string(bytes) + " characters");
         return typed;
     }
-    Fail(kExitUsage, "Wrong Value: " + Latin1ToTerminal(option.Name) + " is of the type \"" + Latin1ToTerminal(option.Type) +
+    Fail(kExitUsage, "Wrong Value: " + Latin1ToTerminal(option.Name) + " is of the type \"" +
+                         Latin1ToTerminal(option.Type) +
                          "\", which has no value to write");
 }
 

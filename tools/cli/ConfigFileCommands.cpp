@@ -91,7 +91,8 @@ void Diff(const FileOptions& options, const CLI::App& command) {
         PrintJson(ComparisonJson(comparison));
     } else {
         std::cout << "--- " << a.Name << "\n+++ " << b.Name << '\n';
-        for (const std::string& line : ComparisonLines(comparison, "A", "B")) std::cout << Latin1ToTerminal(line) << '\n';
+        for (const std::string& line : ComparisonLines(comparison, "A", "B"))
+            std::cout << Latin1ToTerminal(line) << '\n';
     }
     std::cout.flush();
     if (!comparison.Equal()) throw CLI::RuntimeError(kExitDiffer);

@@ -276,7 +276,8 @@ void Write(const DeviceOptions& options) {
     }
     std::cout.flush();
     if (failure) Fail(kExitNoModule, PortErrorText("COMPort Error", *failure));
-    if (!written) Fail(kExitNotConfirmed, "Error! Config was not set !\r\nThe module answered: " + Latin1ToTerminal(answer));
+    if (!written)
+        Fail(kExitNotConfirmed, "Error! Config was not set !\r\nThe module answered: " + Latin1ToTerminal(answer));
     if (verified && !verified->Holds) Fail(kExitNotVerified, VerifyMessage(*verified, Latin1ToTerminal));
 }
 
