@@ -147,7 +147,7 @@ bool ReadConfiguration(pugi::xml_node element, int32_t index, const OptionList& 
 
 }  // namespace
 
-bool LoadCatalog(DeviceInfo& device, std::string& reason) {
+bool LoadCatalog(DeviceInfo& device, std::string& reason, bool* notWellFormed) {
     reason.clear();
     device.PredefCfgs = {};
     device.Options = {};
@@ -155,6 +155,7 @@ bool LoadCatalog(DeviceInfo& device, std::string& reason) {
     CatalogDocument document;
     if (!document.LoadText(device.InfoFile)) {
         reason = document.Reason();
+        if (notWellFormed) *notWellFormed = true;
         return false;
     }
     const pugi::xml_node top = document.Top();

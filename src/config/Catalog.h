@@ -12,10 +12,12 @@ namespace sb {
 // callers drop it. reason says why: the parser's reason when the document
 // is not well-formed, else the rule of the format that it breaks, naming
 // options and configurations by their index, never by their texts. It is
-// empty after a load; the caller shows it before its own message. Throws
-// nothing but std::bad_alloc: what the helpers refuse leaves its field at
-// its default.
-bool LoadCatalog(DeviceInfo& device, std::string& reason);
+// empty after a load. notWellFormed, where given, tells whether the reason
+// is the parser's: the window shows only that one in a box of its own, ahead
+// of its message, while the command-line tool and the file reader say every
+// reason. Throws nothing but std::bad_alloc: what the helpers refuse leaves
+// its field at its default.
+bool LoadCatalog(DeviceInfo& device, std::string& reason, bool* notWellFormed = nullptr);
 
 // The index of the first predefined configuration whose Id equals id
 // exactly, or -1.

@@ -113,8 +113,9 @@ void frmDeviceCofigurator::ConfigurationAfterRead(DeviceInfo& local) {
 
 bool frmDeviceCofigurator::LoadCatalogOrSay(DeviceInfo& local) {
     std::string reason;
-    if (LoadCatalog(local, reason)) return true;
-    SayCatalogRefused(reason);
+    bool notWellFormed = false;
+    if (LoadCatalog(local, reason, &notWellFormed)) return true;
+    SayCatalogRefused(notWellFormed ? reason : std::string());
     return false;
 }
 
