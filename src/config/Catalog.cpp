@@ -15,7 +15,9 @@ constexpr std::array<const char*, 2> kOptionList = {"CFG", "OPTS"};
 constexpr std::array<const char*, 3> kOptions = {"CFG", "OPTS", "O"};
 constexpr std::array<const char*, 3> kConfigurations = {"CFG", "PDF", "C"};
 
+constexpr int32_t kMaxHexText = 32767;
 constexpr int32_t kMinCfgLen = 5;
+constexpr int32_t kMaxCfgLen = kMaxHexText / 2;  // the most bytes that a hex text converts to
 constexpr double kMaxInt32 = 2147483647.0;
 
 // Reads of the catalog that fail (a text beyond the helpers' limits, a
@@ -54,7 +56,6 @@ std::string FillTo8(const std::string& text) {
 // stands behind the F's, so 10 bits give FF3. A mask too long for a hex
 // text fails like any text beyond that limit.
 std::string DefaultMask(int32_t bitLen) {
-    constexpr int32_t kMaxHexText = 32767;
     const int32_t digits = bitLen / 4 + (bitLen % 4 != 0 ? 1 : 0);
     if (digits > kMaxHexText) throw OverflowError("mask longer than a hex text may be");
     std::string mask(static_cast<size_t>(bitLen / 4), 'F');
@@ -75,6 +76,7 @@ void CompleteIntLimits(OptionRec& option) {
 }
 
 // False when the entry has no hex value: that refuses the whole catalog.
+// Indexes count from 0, as the option tree's keys do.
 bool ReadValue(pugi::xml_node element, const OptionRec& option, OptValue& entry) {
     entry.Value = CleanHexAttribute(element, "V");
     if (entry.Value.empty()) return false;
@@ -93,7 +95,7 @@ bool ReadValue(pugi::xml_node element, const OptionRec& option, OptValue& entry)
     return true;
 }
 
-bool ReadOption(pugi::xml_node element, OptionRec& option) {
+bool ReadOption(pugi::xml_node element, int32_t index, OptionRec& option, std::string& reason) {
     option.Name = AttributeText(element, "N");
     option.BitPos = NumberAttribute(element, "S");
     option.BitLen = NumberAttribute(element, "L");
@@ -104,7 +106,10 @@ bool ReadOption(pugi::xml_node element, OptionRec& option) {
     if (option.Type == "INT") CompleteIntLimits(option);
     for (pugi::xml_node valueElement : element.children("L")) {
         option.Values.Items.emplace_back();
-        if (!ReadValue(valueElement, option, option.Values.Items.back())) return false;
+        if (ReadValue(valueElement, option, option.Values.Items.back())) continue;
+        reason = "Option " + std::to_string(index) + ", list entry " + std::to_string(option.Values.Count() - 1) +
+                 ": the value V is missing or no hex";
+        return false;
     }
     return true;
 }
@@ -115,9 +120,17 @@ std::string MaskOrZero(const std::string& mask, const OptionList& options) {
 }
 
 // False when the configuration's bytes don't number CfgLen.
-bool ReadConfiguration(pugi::xml_node element, int32_t index, const OptionList& options, PredefCfg& cfg) {
-    Tolerate([&] { cfg.Data = HexToBytes(NormalizeHex(ElementText(element))); });
-    if (cfg.Data.size() != static_cast<size_t>(options.CfgLen)) return false;
+bool ReadConfiguration(pugi::xml_node element, int32_t index, const OptionList& options, PredefCfg& cfg,
+                       std::string& reason) {
+    std::string digits;
+    Tolerate([&] { digits = NormalizeHex(ElementText(element)); });
+    Tolerate([&] { cfg.Data = HexToBytes(digits); });
+    if (cfg.Data.size() != static_cast<size_t>(options.CfgLen)) {
+        reason = "Configuration " + std::to_string(index) + ": its image has " + std::to_string(digits.size()) +
+                 " hex digits, not the " + std::to_string(2 * options.CfgLen) + " of " +
+                 std::to_string(options.CfgLen) + " bytes";
+        return false;
+    }
     cfg.Id = CleanHexAttribute(element, "I");
     cfg.DisabledMask = CleanHexAttribute(element, "D");
     cfg.VisibleMask = CleanHexAttribute(element, "V");
@@ -134,14 +147,15 @@ bool ReadConfiguration(pugi::xml_node element, int32_t index, const OptionList& 
 
 }  // namespace
 
-bool LoadCatalog(DeviceInfo& device, std::string& parserReason) {
-    parserReason.clear();
+bool LoadCatalog(DeviceInfo& device, std::string& reason, bool* notWellFormed) {
+    reason.clear();
     device.PredefCfgs = {};
     device.Options = {};
 
     CatalogDocument document;
     if (!document.LoadText(device.InfoFile)) {
-        parserReason = document.Reason();
+        reason = document.Reason();
+        if (notWellFormed) *notWellFormed = true;
         return false;
     }
     const pugi::xml_node top = document.Top();
@@ -149,17 +163,29 @@ bool LoadCatalog(DeviceInfo& device, std::string& parserReason) {
     OptionList& options = device.Options;
     options.CfgLen = NumberAttribute(FirstElement(top, kOptionList), "L");
     const bool optionsRead = ForEachElement(top, kOptions, [&](pugi::xml_node element) {
+        const int32_t index = options.Count();
         options.Items.emplace_back();
-        return ReadOption(element, options.Items.back());
+        return ReadOption(element, index, options.Items.back(), reason);
     });
-    if (!optionsRead || options.CfgLen < kMinCfgLen) return false;
+    if (!optionsRead) return false;
+    // No configuration could have a longer image: say so rather than blame
+    // the first one.
+    if (options.CfgLen < kMinCfgLen || options.CfgLen > kMaxCfgLen) {
+        reason = "The image length L of /CFG/OPTS is " +
+                 (options.CfgLen == 0 ? std::string("missing or unreadable")
+                                      : std::to_string(options.CfgLen) + " bytes") +
+                 "; a catalog's images have " + std::to_string(kMinCfgLen) + " to " + std::to_string(kMaxCfgLen) +
+                 " bytes";
+        return false;
+    }
 
     PredefCfgList& cfgs = device.PredefCfgs;
     const bool cfgsRead = ForEachElement(top, kConfigurations, [&](pugi::xml_node element) {
         const int32_t index = cfgs.Count();
         cfgs.Items.emplace_back();
-        return ReadConfiguration(element, index, options, cfgs.Items.back());
+        return ReadConfiguration(element, index, options, cfgs.Items.back(), reason);
     });
+    if (cfgsRead && cfgs.Count() == 0) reason = "No predefined configuration: /CFG/PDF holds no C";
     return cfgsRead && cfgs.Count() > 0;
 }
 

@@ -55,6 +55,23 @@ std::string Latin1ToUtf8(std::string_view bytes) {
     return text;
 }
 
+std::string Latin1ToTerminal(std::string_view bytes) {
+    static const char digits[] = "0123456789ABCDEF";
+    std::string safe;
+    for (const unsigned char c : bytes) {
+        if (c == '\\') {
+            safe += "\\\\";
+        } else if (c < 0x20 || (c >= 0x7F && c < 0xA0)) {
+            safe += "\\x";
+            safe += digits[c >> 4];
+            safe += digits[c & 0x0F];
+        } else {
+            safe += static_cast<char>(c);
+        }
+    }
+    return Latin1ToUtf8(safe);
+}
+
 std::string Utf8ToLatin1(std::string_view text) {
     if (IsAscii(text)) return std::string(text);
     std::string bytes;

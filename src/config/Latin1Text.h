@@ -2,11 +2,17 @@
 #include <string>
 #include <string_view>
 
-// Catalog texts are bytes, one a character (Latin-1); XML parsers and
-// terminals speak UTF-8. These convert between the two.
+// Catalog texts and the module's answers are bytes, one a character
+// (Latin-1); XML parsers and terminals speak UTF-8. These convert between
+// the two.
 namespace sb {
 
 std::string Latin1ToUtf8(std::string_view bytes);
+
+// The one form in which such a text goes to a terminal: UTF-8, with every
+// control character written as \xNN and the backslash doubled, so that no
+// byte steers the terminal or breaks a line of the output.
+std::string Latin1ToTerminal(std::string_view bytes);
 
 // Characters up to U+00FF become their byte; any other character, and every
 // broken sequence, becomes "?".

@@ -28,13 +28,14 @@ VerifyResult VerifyWrite(const DeviceInfo& module, const std::string& sent, cons
     return result;
 }
 
-std::string VerifyMessage(const VerifyResult& result) {
+std::string VerifyMessage(const VerifyResult& result, std::string (*lineForm)(std::string_view)) {
     if (result.Holds) return {};
     if (!result.ReadBack) return "The module's configuration could not be read back after the write";
     std::string message = "The module holds another configuration than the one written";
     if (result.Differences.Options.empty()) return message + ", in bits that no option covers";
     message += ":";
-    for (const std::string& line : ComparisonLines(result.Differences, "written", "read back")) message += "\n" + line;
+    for (const std::string& line : ComparisonLines(result.Differences, "written", "read back"))
+        message += "\n" + (lineForm ? lineForm(line) : line);
     return message;
 }
 

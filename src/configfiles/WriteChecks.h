@@ -1,5 +1,6 @@
 #pragma once
 #include <string>
+#include <string_view>
 
 #include "config/Types.h"
 #include "configfiles/ConfigCompare.h"
@@ -33,7 +34,9 @@ struct VerifyResult {
 VerifyResult VerifyWrite(const DeviceInfo& module, const std::string& sent, const std::string& appConfigAnswer);
 
 // Why a write did not verify, naming every option that differs, one a line
-// in the form of ComparisonLines; empty when the module holds the image.
-std::string VerifyMessage(const VerifyResult& result);
+// in the form of ComparisonLines, each put in lineForm when one is given (a
+// terminal takes them in its safe form); empty when the module holds the
+// image.
+std::string VerifyMessage(const VerifyResult& result, std::string (*lineForm)(std::string_view) = nullptr);
 
 }  // namespace sb

@@ -143,7 +143,7 @@ void frmDeviceCofigurator::OpenConfigFile(const std::string& path) {
     local.AppConfig = config.Document.Image;
     local.InfoFile = config.Document.InfoFile;
     ClearForOfflineRecord();
-    TakeOfflineRecord(local);
+    TakeOfflineRecord(local, path);
 }
 
 void frmDeviceCofigurator::mnuSaveConfig_Click() {

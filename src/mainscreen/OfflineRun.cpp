@@ -48,8 +48,8 @@ void frmDeviceCofigurator::ClearForOfflineRecord() {
     txtCfgEdited->clear();
 }
 
-void frmDeviceCofigurator::TakeOfflineRecord(DeviceInfo& local) {
-    ShowModuleTexts(local, false);
+void frmDeviceCofigurator::TakeOfflineRecord(DeviceInfo& local, const std::string& file) {
+    ShowModuleTexts(local, !file.empty(), file);
     if (!LoadCatalogOrSay(local)) return;
     TakeCatalogIn(local);
     if (device_.CfgImage.empty()) return;

@@ -85,7 +85,8 @@ void frmDeviceCofigurator::ClearPreviousRead() {
     cmdSelPredefCfg->setEnabled(false);
 }
 
-void frmDeviceCofigurator::ShowModuleTexts(const DeviceInfo& info, bool withAppInfo) {
+void frmDeviceCofigurator::ShowModuleTexts(const DeviceInfo& info, bool withAppInfo, const std::string& file) {
+    ShowTitleFor(file);
     // txtAppConfig shows the configuration as the module sent it.
     Show(*txtAppConfig, info.AppConfig);
     Show(*txtHWVer, info.HWVer);
@@ -112,8 +113,9 @@ void frmDeviceCofigurator::ConfigurationAfterRead(DeviceInfo& local) {
 
 bool frmDeviceCofigurator::LoadCatalogOrSay(DeviceInfo& local) {
     std::string reason;
-    if (LoadCatalog(local, reason)) return true;
-    SayCatalogRefused(reason);
+    bool notWellFormed = false;
+    if (LoadCatalog(local, reason, &notWellFormed)) return true;
+    SayCatalogRefused(notWellFormed ? reason : std::string());
     return false;
 }
 

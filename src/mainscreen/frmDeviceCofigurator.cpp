@@ -1,5 +1,6 @@
 #include "mainscreen/frmDeviceCofigurator.h"
 
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -49,7 +50,7 @@ frmDeviceCofigurator::~frmDeviceCofigurator() { Unload(); }
 
 void frmDeviceCofigurator::BuildControls() {
     setObjectName(QStringLiteral("frmDeviceCofigurator"));
-    setWindowTitle(QStringLiteral("Device Info"));
+    ShowTitleFor({});
 
     auto* center = new QWidget(this);
     setCentralWidget(center);
@@ -128,6 +129,12 @@ void frmDeviceCofigurator::BuildControls() {
     tree_ = std::make_unique<QtOptionTree>(*tvOptions);
     events_ = std::make_unique<TreeEvents>(device_, *tree_, editForms_,
                                            [this] { SetCfgEdited(BytesToHex(device_.CfgImage)); });
+}
+
+// The file's name ahead of the caption, as desktops show a document.
+void frmDeviceCofigurator::ShowTitleFor(const std::string& file) {
+    const QString caption = QStringLiteral("Device Info");
+    setWindowTitle(file.empty() ? caption : QFileInfo(QString::fromStdString(file)).fileName() + " - " + caption);
 }
 
 void frmDeviceCofigurator::LayOutControls() {

@@ -161,11 +161,14 @@ private:
 
     void ReadOpenModule();
     void ClearPreviousRead();
-    void ShowModuleTexts(const DeviceInfo& info, bool withAppInfo);
+    // The module's fields, "Full Info" too with withAppInfo. While they show
+    // the module of a configuration file, the title names that file.
+    void ShowModuleTexts(const DeviceInfo& info, bool withAppInfo, const std::string& file = {});
+    void ShowTitleFor(const std::string& file);
     void ConfigurationAfterRead(DeviceInfo& local);
     bool LoadCatalogOrSay(DeviceInfo& local);
-    // The parser's reason, if there is one, then "Module do not support info
-    // file feature".
+    // Why the catalog is refused, if it is known, then "Module do not
+    // support info file feature".
     void SayCatalogRefused(const std::string& reason);
     void TakeCatalogIn(DeviceInfo& local);
     void FillConfigList(const DeviceInfo& info);
@@ -182,9 +185,11 @@ private:
     void Unload();
 
     // The offline run's screen, cleared and then filled from a record that
-    // holds an identity, AppConfig and InfoFile (OfflineRun.cpp).
+    // holds an identity, AppConfig and InfoFile (OfflineRun.cpp): the
+    // placeholders of the run, which leave "Full Info" alone, or the module
+    // of a configuration file, which has none.
     void ClearForOfflineRecord();
-    void TakeOfflineRecord(DeviceInfo& local);
+    void TakeOfflineRecord(DeviceInfo& local, const std::string& file = {});
 
     // Configuration files (ConfigFileMenu.cpp).
     void AddConfigFileMenus();

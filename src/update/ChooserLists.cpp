@@ -1,6 +1,7 @@
 #include "update/ChooserLists.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QStorageInfo>
 #include <QStyle>
@@ -60,6 +61,12 @@ void DriveList::Choose(const std::string& drive) {
 DirList::DirList(QWidget* parent) : QListWidget(parent) {}
 
 void DirList::GoToRow(const QListWidgetItem& item) { SetPath(PathOf(item.data(kPathRole).toString())); }
+
+// The item view activates the row and then lets Enter go on to the dialog.
+void DirList::keyPressEvent(QKeyEvent* event) {
+    QListWidget::keyPressEvent(event);
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) event->accept();
+}
 
 void DirList::SetPath(const std::string& folder) {
     const std::string plain = ExistingFolder(folder);

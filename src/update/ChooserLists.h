@@ -44,7 +44,8 @@ private:
 };
 
 // The folders from "/" down to Path, then Path's subfolders; a double click
-// or Enter on a row (itemActivated) goes there by GoToRow.
+// or Enter on a row (itemActivated) goes there by GoToRow. The list keeps
+// that Enter to itself: it enters a folder and presses no default button.
 class DirList final : public QListWidget {
     Q_OBJECT
 public:
@@ -56,6 +57,9 @@ public:
 
 signals:
     void changed();
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void Fill();

@@ -27,7 +27,7 @@ std::vector<std::string> Describe(const DeviceInfo& device, const std::string& k
 }
 
 // Each case of catalog-cases.json: a document (or the pieces of one) and
-// what loads of it, or the piece of the parser's reason when it is refused.
+// what loads of it, or a piece of the reason why it is refused.
 TEST(CatalogLoad, EachDocumentLoadsAsItsCaseSays) {
     for (const auto& c : TestCases("config/catalog-cases.json")) {
         const std::string xml = Bytes(c.contains("document") ? c["document"].get<std::string>()
@@ -54,7 +54,7 @@ TEST(CatalogLoad, ALoadEmptiesWhatAnEarlierOneLeft) {
     r.reason = "old";
     EXPECT_FALSE(LoadCatalog(r.device, r.reason));
     EXPECT_EQ(r.device.PredefCfgs.Count() + r.device.Options.Count(), 1);  // the refused option alone
-    EXPECT_EQ(r.reason, "");
+    EXPECT_NE(r.reason, "old");
 }
 
 TEST(CatalogLoad, WithstandsNestingDeeperThanAnyStackAndDataBeyondTheHexLimit) {

@@ -168,8 +168,11 @@ TEST_F(MainScreen, OpenFillsTheScreenAndCompareListsTheChangedOption) {
     EXPECT_FALSE(form.mnuSaveConfig->isEnabled());  // no working image yet
     chosen = folder.File("module.sbconf");
     WriteConfigFile(chosen, MakeConfigDocument(module, HexToBytes(kModuleImage)));
+    form.txtAppInfo->setPlainText("of the last module read");
     form.mnuOpenConfig->trigger();
     EXPECT_EQ(form.txtSN->text(), "SN7");
+    EXPECT_TRUE(form.txtAppInfo->toPlainText().isEmpty());  // a file has none
+    EXPECT_TRUE(form.windowTitle().contains("module.sbconf"));
 
     screen.ClickBox("OPTION00000002_VALUE00000000");  // Off
     std::vector<std::string> seen;  // rows; option, this, that of the first; rows with all options

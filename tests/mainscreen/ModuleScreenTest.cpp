@@ -36,7 +36,9 @@ struct ModuleScreen : ScreenTest {
 
 TEST_F(ModuleScreen, ReadFillsTheScreenAndWriteSendsTheEditedImage) {
     VirtualModule module;
+    form.setWindowTitle("opened.sbconf");  // as a file left it
     form.cmdRdDevInfo->click();
+    EXPECT_FALSE(form.windowTitle().contains("opened.sbconf"));
     const std::pair<const QLineEdit*, const char*> boxes[] = {
         {form.txtSN, "SN0042"},        {form.txtPVer, "1.2.3"},           {form.txtPName, "Test module"},
         {form.txtPDate, "01.02.2024"}, {form.txtVIN, "VIN0000000000042"}, {form.txtFWName, "TESTAPP"},

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -18,7 +19,7 @@
 // "own_program" the commands run from a copy of the program in the case's
 // folder, so that the sniffer.ini beside it is the case's. $FOLDER stands
 // for the case's folder (in outputs too), $SOURCE for the source tree and
-// $PORT for the first module's device.
+// $PORT for the first module's device (in error output for any module's).
 namespace sb::test {
 namespace {
 
@@ -50,6 +51,9 @@ private:
             modules.push_back(std::make_unique<ModuleProcess>(folder, name, Expanded(args, caseFolder, "")));
         }
         const std::string port = modules.empty() ? "" : modules[0]->Device();
+        std::vector<std::string> devices;  // longest first: /dev/pts/12 before /dev/pts/1
+        for (const auto& module : modules) devices.push_back(module->Device());
+        std::sort(devices.begin(), devices.end(), [](auto& a, auto& b) { return a.size() > b.size(); });
         std::string bin = FromEnvironment("SB_BIN_DIR");
         if (c.value("own_program", false)) {
             std::filesystem::copy_file(bin + "/servicebay-cli", caseFolder + "/bin/servicebay-cli");
@@ -61,7 +65,9 @@ private:
             const CliRun run = RunCli(folder, Expanded(step["args"], caseFolder, port), bin);
             EXPECT_EQ(run.status, step["status"].get<int>()) << run.err;
             ExpectOutput(step, "out", run.out, caseFolder);
-            ExpectOutput(step, "err", run.err, caseFolder);
+            std::string err = run.err;
+            for (const std::string& device : devices) ReplaceAll(err, device, "$PORT");
+            ExpectOutput(step, "err", err, caseFolder);
             const json state = step.value("state", json::object());
             for (const auto& [key, value] : state.items())
                 EXPECT_TRUE(modules.at(0)->WaitForState(key, value.get<std::string>())) << modules[0]->State(key);

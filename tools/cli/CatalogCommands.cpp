@@ -36,26 +36,6 @@ struct CatalogOptions {
     throw CLI::RuntimeError(status);
 }
 
-// Catalog texts are bytes, one a character. A terminal gets them in UTF-8,
-// with control characters written as \xNN (and the backslash doubled) so
-// that no byte of an image steers the terminal.
-std::string ForTerminal(const std::string& text) {
-    std::string safe;
-    for (const unsigned char c : text) {
-        if (c == '\\') {
-            safe += "\\\\";
-        } else if (c < 0x20 || (c >= 0x7F && c < 0xA0)) {
-            static const char digits[] = "0123456789ABCDEF";
-            safe += "\\x";
-            safe += digits[c >> 4];
-            safe += digits[c & 0x0F];
-        } else {
-            safe += static_cast<char>(c);
-        }
-    }
-    return Latin1ToUtf8(safe);
-}
-
 // What the technician types, in the catalog's one byte a character.
 std::string FromTerminal(const std::string& text) { return IsUtf8(text) ? Utf8ToLatin1(text) : text; }
 
@@ -67,7 +47,7 @@ DeviceInfo LoadDevice(const std::string& path) {
     ReadBinaryFile(path, device.InfoFile);
     std::string reason;
     if (!LoadCatalog(device, reason)) {
-        if (!reason.empty()) std::cerr << ForTerminal(reason) << '\n';
+        if (!reason.empty()) std::cerr << Latin1ToTerminal(reason) << '\n';
         Fail(kExitCatalogRefused, "Module do not support info file feature");
     }
     return device;
@@ -105,7 +85,7 @@ void PrintNode(const MemoryTreeNode& node, int level) {
     std::cout << std::string(2 * level, ' ');
     const uint32_t color = node.ForeColor().value_or(kColorBlack);
     if (node.Checked()) std::cout << (*node.Checked() ? "[x] " : "[ ] ");
-    std::cout << ForTerminal(node.Text());
+    std::cout << Latin1ToTerminal(node.Text());
     if (level == 1 && color == kColorRed) std::cout << "  (locked)";
     if (level == 2 && color == kColorBlue) std::cout << "  (preset)";
     if (level == 2 && color == kColorRed) std::cout << "  (fixed)";
@@ -152,15 +132,17 @@ int32_t OptionIndex(const DeviceInfo& device, const std::string& name) {
     if (named.size() > 1) {
         std::string indexes;
         for (const int32_t i : named) indexes += " " + std::to_string(i);
-        Fail(kExitUsage, "More than one option is called \"" + ForTerminal(name) + "\": give its index, one of" + indexes);
+        Fail(kExitUsage,
+             "More than one option is called \"" + Latin1ToTerminal(name) + "\": give its index, one of" + indexes);
     }
     if (IsDecText(name) && name.size() < 10 && std::stol(name) < device.Options.Count()) return std::stoi(name);
-    Fail(kExitUsage, "No option \"" + ForTerminal(name) + "\" in the catalog; options are named or numbered from 0 to " +
+    Fail(kExitUsage, "No option \"" + Latin1ToTerminal(name) +
+                         "\" in the catalog; options are named or numbered from 0 to " +
                          std::to_string(device.Options.Count() - 1));
 }
 
 [[noreturn]] void WrongValue(const OptionRec& option, const std::string& takes) {
-    Fail(kExitUsage, "Wrong Value: " + ForTerminal(option.Name) + " takes " + takes);
+    Fail(kExitUsage, "Wrong Value: " + Latin1ToTerminal(option.Name) + " takes " + takes);
 }
 
 // The raw value of the option's type for what the technician typed: a list
@@ -177,7 +159,9 @@ std::string RawValueOf(const OptionRec& option, const std::string& typed) {
         const double min = HexToUint32(option.MinValue);
         const double max = HexToUint32(option.MaxValue);
         const double value = hex.empty() || hex.size() > 8 ? -1 : HexToUint32(hex);
-        if (value < min || value > max) WrongValue(option, "a hex number from " + option.MinValue + " to " + option.MaxValue);
+        if (value < min || value > max)
+            WrongValue(option, "a hex number from " + Latin1ToTerminal(option.MinValue) + " to " +
+                                   Latin1ToTerminal(option.MaxValue));
         return Uint32ToHex(value);
     }
     if (option.Type == "BIN" || option.Type == "BITFIELD") {
@@ -189,7 +173,8 @@ std::string RawValueOf(const OptionRec& option, const std::string& typed) {
         if (typed.size() != bytes) WrongValue(option, std::to_string(bytes) + " characters");
         return typed;
     }
-    Fail(kExitUsage, "Wrong Value: " + ForTerminal(option.Name) + " is of the type \"" + ForTerminal(option.Type) +
+    Fail(kExitUsage, "Wrong Value: " + Latin1ToTerminal(option.Name) + " is of the type \"" +
+                         Latin1ToTerminal(option.Type) +
                          "\", which has no value to write");
 }
 
@@ -200,7 +185,7 @@ void CheckEditable(const DeviceInfo& device, const std::string& image, int32_t i
     if (cfgIndex < 0) NoConfiguration(image, "; --force changes it anyway");
     const PredefCfg& cfg = device.PredefCfgs.Items[static_cast<size_t>(cfgIndex)];
     const OptionRec& option = device.Options.Items[static_cast<size_t>(index)];
-    const std::string where = ForTerminal(option.Name) + " in \"" + ForTerminal(cfg.Name) + "\"";
+    const std::string where = Latin1ToTerminal(option.Name) + " in \"" + Latin1ToTerminal(cfg.Name) + "\"";
     if (!TestBit(cfg.VisibleMask, index, 1)) Fail(kExitUsage, "Hidden option: " + where + "; --force changes it anyway");
     if (!TestBit(cfg.DisabledMask, index, 1)) return;
     std::string trial = image;
@@ -209,7 +194,7 @@ void CheckEditable(const DeviceInfo& device, const std::string& image, int32_t i
     SetOptionValue(trial, option, written);
     const std::string own = GetOptionValue(cfg.Data, option, shown);
     if (GetOptionValue(trial, option, shown) != own)
-        Fail(kExitUsage, "Locked option: " + where + " stays " + ForTerminal(own) + "; --force changes it anyway");
+        Fail(kExitUsage, "Locked option: " + where + " stays " + Latin1ToTerminal(own) + "; --force changes it anyway");
 }
 
 struct Change {
@@ -230,7 +215,7 @@ Change Apply(const std::string& assignment, const DeviceInfo& device, std::strin
     if (!force) CheckEditable(device, image, change.index, change.value);
     change.shown = SetOptionValue(image, option, change.value);
     if (change.shown == kWrongValue)
-        Fail(kExitUsage, "Wrong Value: " + ForTerminal(option.Name) + " does not lie inside the image");
+        Fail(kExitUsage, "Wrong Value: " + Latin1ToTerminal(option.Name) + " does not lie inside the image");
     return change;
 }
 

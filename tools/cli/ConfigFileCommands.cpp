@@ -58,7 +58,7 @@ LoadedConfig ReadModuleConfig(const std::string& portName) {
 void Save(const FileOptions& options) {
     const LoadedConfig config = ReadModuleConfig(options.port);
     WriteConfigFile(options.files.at(0), config.Document);
-    std::cout << "Configuration of " << Latin1ToUtf8(config.Document.Module.SN) << " saved to " << options.files[0]
+    std::cout << "Configuration of " << Latin1ToTerminal(config.Document.Module.SN) << " saved to " << options.files[0]
               << '\n';
 }
 
@@ -91,7 +91,8 @@ void Diff(const FileOptions& options, const CLI::App& command) {
         PrintJson(ComparisonJson(comparison));
     } else {
         std::cout << "--- " << a.Name << "\n+++ " << b.Name << '\n';
-        for (const std::string& line : ComparisonLines(comparison, "A", "B")) std::cout << Latin1ToUtf8(line) << '\n';
+        for (const std::string& line : ComparisonLines(comparison, "A", "B"))
+            std::cout << Latin1ToTerminal(line) << '\n';
     }
     std::cout.flush();
     if (!comparison.Equal()) throw CLI::RuntimeError(kExitDiffer);

@@ -103,8 +103,8 @@ Json JsonPorts(const PortList& list) {
 void PrintPorts(const char* caption, const PortList& list) {
     std::cout << caption << '\n';
     for (const auto& item : list.Items) {
-        std::cout << "  " << item.Text;
-        if (!item.Info.empty()) std::cout << "  " << item.Info;
+        std::cout << "  " << Latin1ToTerminal(item.Text);
+        if (!item.Info.empty()) std::cout << "  " << Latin1ToTerminal(item.Info);
         std::cout << '\n';
     }
 }
@@ -155,7 +155,7 @@ void Info(const DeviceOptions& options) {
         if (options.json)
             json[name] = JsonBytes(*value);
         else
-            std::cout << name << ": " << *value << '\n';
+            std::cout << name << ": " << Latin1ToTerminal(*value) << '\n';
         silent = silent || *value == kNoAnswer;
     }
     if (options.json) PrintJson(json);
@@ -194,8 +194,8 @@ void ReportArrival(const std::optional<PortListItem>& arrived, ModuleMode mode, 
         json["description"] = arrived ? JsonBytes(arrived->Info) : Json();
         PrintJson(json);
     } else if (arrived) {
-        std::cout << caption << ": " << arrived->Port;
-        if (!arrived->Info.empty()) std::cout << "  " << arrived->Info;
+        std::cout << caption << ": " << Latin1ToTerminal(arrived->Port);
+        if (!arrived->Info.empty()) std::cout << "  " << Latin1ToTerminal(arrived->Info);
         std::cout << '\n';
     }
     std::cout.flush();
@@ -220,7 +220,7 @@ void Run(const DeviceOptions& options) {
     if (const auto failure =
             SwitchToRunning(port, options.port, status, [&answer](const std::string& text) { answer = text; }))
         Fail(kExitNoModule, PortErrorText("CommPort Error", *failure));
-    if (!options.json && answer) std::cout << *answer << (answer->empty() || answer->back() == '\n' ? "" : "\n");
+    if (!options.json && answer) std::cout << Latin1ToTerminal(*answer) << '\n';
     ReportArrival(WaitForArrival(ModuleMode::Running, before.DevList, options.waitSeconds), ModuleMode::Running,
                   options, {{"answer", answer ? JsonBytes(*answer) : Json()}});
 }
@@ -233,7 +233,7 @@ DeviceInfo CatalogForWrite(SerialPort& port, StatusText& status, const DeviceOpt
     WaitMs(kReadSettleMs);
     std::string reason;
     const auto module = ReadModuleCatalog(port, status, reason);
-    if (!module) Fail(kExitCatalogRefused, (reason.empty() ? "" : Latin1ToUtf8(reason) + "\n") +
+    if (!module) Fail(kExitCatalogRefused, (reason.empty() ? "" : Latin1ToTerminal(reason) + "\n") +
                                                "Module do not support info file feature");
     if (options.file.empty() || options.force) return *module;
     const FitCheck fit = CheckFit(*module, image);
@@ -276,8 +276,9 @@ void Write(const DeviceOptions& options) {
     }
     std::cout.flush();
     if (failure) Fail(kExitNoModule, PortErrorText("COMPort Error", *failure));
-    if (!written) Fail(kExitNotConfirmed, "Error! Config was not set !\r\nThe module answered: " + answer);
-    if (verified && !verified->Holds) Fail(kExitNotVerified, Latin1ToUtf8(VerifyMessage(*verified)));
+    if (!written)
+        Fail(kExitNotConfirmed, "Error! Config was not set !\r\nThe module answered: " + Latin1ToTerminal(answer));
+    if (verified && !verified->Holds) Fail(kExitNotVerified, VerifyMessage(*verified, Latin1ToTerminal));
 }
 
 CLI::App* AddCommand(CLI::App& app, const char* name, const char* description,

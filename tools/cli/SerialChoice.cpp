@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "Commands.h"
+#include "config/Latin1Text.h"
 #include "helpers/Waiting.h"
 #include "link/ModeSwitch.h"
 #include "link/PortErrorText.h"
@@ -36,9 +37,12 @@ std::vector<ListedModule> ModulesOf(const std::string& serial) {
 ListedModule TheOneModule(const std::string& serial) {
     const std::vector<ListedModule> found = ModulesOf(serial);
     if (found.empty()) Fail(kExitSerialUnknown, "No module with the serial " + serial + " is plugged in.");
-    if (found.size() > 1)
-        Fail(kExitSerialAmbiguous, "The serial " + serial + " is the one of " + std::to_string(found.size()) +
-                                       " modules (" + found[0].Port + ", " + found[1].Port + ").");
+    if (found.size() > 1) {
+        std::string ports;
+        for (const ListedModule& module : found) ports += (ports.empty() ? "" : ", ") + Latin1ToTerminal(module.Port);
+        Fail(kExitSerialAmbiguous,
+             "The serial " + serial + " is the one of " + std::to_string(found.size()) + " modules (" + ports + ").");
+    }
     return found.front();
 }
 
