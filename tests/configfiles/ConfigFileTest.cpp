@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <thread>
 #include <vector>
 
 #include "CatalogText.h"
@@ -174,6 +175,41 @@ TEST(ConfigHistory, KeepsTheNewestHundredPerSerialNumberNewestFirst) {
     EXPECT_EQ(ReadConfigFile(newest).Document.Module.SN, "A/1");
     // A folder that cannot be made: below a file.
     EXPECT_THROW(KeepInHistory(document, newest), ConfigFileError);
+}
+
+TEST(ConfigHistory, TwoKeepersOfOneMillisecondKeepAFileEach) {
+    TempFolder root;
+    const DeviceInfo device = LoadedDevice();
+    const ConfigDocument document = MakeConfigDocument(device, device.PredefCfgs.Items[1].Data);
+    const auto keep = [&] {
+        for (int i = 0; i < 40; ++i) KeepInHistory(document, root.File("x"), Day(2020));
+    };
+    std::thread other(keep);
+    keep();
+    other.join();
+    EXPECT_EQ(ListHistory(root.File("x")).at(0).Files.size(), 80u);
+}
+
+// Failure words are no serial numbers; a serial number of 900 bytes as a
+// folder name is kept whole in its file.
+TEST(ConfigHistory, ReadsWithoutAUsableSerialNumberAreKeptToo) {
+    TempFolder root;
+    const DeviceInfo device = LoadedDevice();
+    ConfigDocument document = MakeConfigDocument(device, device.PredefCfgs.Items[1].Data);
+    const std::string slashes(300, '/');
+    const std::pair<std::string, int> reads[] = {{"", 2022}, {"No answer", 2022}, {"Error!", 2022},
+                                                 {slashes + "a", 2021}, {slashes + "b", 2020}};
+    for (const auto& [sn, year] : reads) {
+        document.Module.SN = sn;
+        KeepInHistory(document, root.File("x"), Day(year));
+    }
+    const std::vector<HistoryGroup> groups = ListHistory(root.File("x"));
+    ASSERT_EQ(groups.size(), 3u);
+    EXPECT_EQ(groups[0].SN, kUnknownModule);
+    EXPECT_EQ(groups[0].Files.size(), 3u);
+    for (const HistoryGroup& group : {groups[1], groups[2]})
+        EXPECT_TRUE(group.SN.starts_with("////") && group.SN.ends_with("...")) << group.SN;
+    EXPECT_EQ(ReadConfigFile(groups[1].Files.at(0).Path).Document.Module.SN, slashes + "a");
 }
 
 TEST(ConfigHistory, RootIsTheAbsoluteDataHomeElseTheHomesShare) {
