@@ -30,8 +30,11 @@ struct LoadedConfig {
     DeviceInfo Device;
 };
 
-// Parses the file and checks its content too: a catalog that LoadCatalog
+// Parses the text and checks its content too: a catalog that LoadCatalog
 // takes, an image of its CfgLen and an Id that is the image's.
+LoadedConfig ReadConfigText(const std::string& text, const std::string& source);
+
+// The same for the file at path, of at most 16 MiB.
 LoadedConfig ReadConfigFile(const std::string& path);
 
 // The same for a module's answers (as the read of the module leaves them

@@ -5,16 +5,21 @@
 #include "config/ConfigTool.h"
 #include "configfiles/ConfigFields.h"
 #include "configfiles/ConfigFile.h"
+#include "configfiles/DocumentJson.h"
 #include "configfiles/JsonBytes.h"
 #include "helpers/HexText.h"
 #include "helpers/Overflow.h"
+#include "helpers/ShortText.h"
 #include "helpers/WholeFile.h"
 
 namespace sb {
 namespace {
 
-// Far beyond the largest catalog with its image, small enough to parse.
-constexpr int64_t kLongestFile = int64_t{64} << 20;
+// Far beyond the largest catalog with its image (a module serves a few
+// KB, 5,000 options are half a MB), and small enough that loading the
+// catalog, at about fifteen bytes of memory a byte, stays within a few
+// hundred MB.
+constexpr int64_t kLongestFile = int64_t{16} << 20;
 
 [[noreturn]] void Refuse(ConfigFault fault, const std::string& source, const std::string& what) {
     throw ConfigFileError(fault, source, what);
@@ -22,30 +27,8 @@ constexpr int64_t kLongestFile = int64_t{64} << 20;
 
 std::string Quoted(const std::string& name) { return "\"" + name + "\""; }
 
-// The parser's words without its "[json.exception...] " tag.
-std::string ParserWords(const Json::parse_error& e) {
-    const std::string what = e.what();
-    const size_t tag = what.find("] ");
-    return tag == std::string::npos ? what : what.substr(tag + 2);
-}
-
-Json ParsedJson(const std::string& text, const std::string& source) {
-    if (text.find_first_not_of(" \t\r\n") == std::string::npos)
-        Refuse(ConfigFault::NotJson, source, "the file is empty");
-    // The list of options is for people; dropping it while parsing saves
-    // building thousands of values that nobody reads.
-    const auto dropOptions = [](int depth, Json::parse_event_t event, Json& parsed) {
-        return !(depth == 1 && event == Json::parse_event_t::key && parsed == fields::kOptions);
-    };
-    try {
-        return Json::parse(text, dropOptions);
-    } catch (const Json::parse_error& e) {
-        // The parser counts the end of the input as one more character read.
-        if (e.byte > text.size())
-            Refuse(ConfigFault::CutShort, source, "the file is cut short: it ends inside the document");
-        Refuse(ConfigFault::NotJson, source, "not a JSON document: " + ParserWords(e));
-    }
-}
+// A value of the file in a message, as JSON, cut short when it is long.
+std::string Shown(const Json& value) { return ShortText(value.dump(-1, ' ', true)); }
 
 void CheckFormat(const Json& json, const std::string& source) {
     const auto format = json.is_object() ? json.find(fields::kFormat) : json.end();
@@ -53,13 +36,13 @@ void CheckFormat(const Json& json, const std::string& source) {
         Refuse(ConfigFault::OtherFormat, source, "not a configuration file: it names no format");
     if (*format != kConfigFormat)
         Refuse(ConfigFault::OtherFormat, source,
-               "not a configuration file: its format is " + format->dump(-1, ' ', true) + ", not " + Quoted(kConfigFormat));
+               "not a configuration file: its format is " + Shown(*format) + ", not " + Quoted(kConfigFormat));
     const auto version = json.find(fields::kVersion);
     if (version == json.end())
         Refuse(ConfigFault::OtherVersion, source, "the file names no version of its format");
     if (*version != kConfigVersion)
         Refuse(ConfigFault::OtherVersion, source,
-               "the file is of version " + version->dump(-1, ' ', true) + "; this program reads version " +
+               "the file is of version " + Shown(*version) + "; this program reads version " +
                    std::to_string(kConfigVersion));
 }
 
@@ -127,7 +110,7 @@ DeviceInfo LoadChecked(const ModuleIdentity& identity, const std::string& infoFi
 }  // namespace
 
 ConfigDocument ParseConfigDocument(const std::string& text, const std::string& source) {
-    const Json json = ParsedJson(text, source);
+    const Json json = ParseDocumentJson(text, source);
     CheckFormat(json, source);
     ConfigDocument document;
     document.SavedAt = TextField(json, fields::kSavedAt, source);
@@ -139,6 +122,19 @@ ConfigDocument ParseConfigDocument(const std::string& text, const std::string& s
     return document;
 }
 
+LoadedConfig ReadConfigText(const std::string& text, const std::string& source) {
+    LoadedConfig config;
+    config.Document = ParseConfigDocument(text, source);
+    const ConfigDocument& document = config.Document;
+    config.Device = LoadChecked(document.Module, document.InfoFile, document.Image, source);
+    const std::string id = ImageId(config.Device.CfgImage);
+    if (document.Id != id)
+        Refuse(ConfigFault::BadField, source,
+               "the field " + Quoted(fields::kId) + " holds " + Quoted(ShortText(document.Id)) +
+                   ", but the image's Id is " + id);
+    return config;
+}
+
 LoadedConfig ReadConfigFile(const std::string& path) {
     std::string text;
     switch (ReadWholeFile(path, text, kLongestFile)) {
@@ -148,15 +144,7 @@ LoadedConfig ReadConfigFile(const std::string& path) {
         case WholeFileRead::TooLarge: Refuse(ConfigFault::Unreadable, path, "too large for a configuration file");
         default: Refuse(ConfigFault::Unreadable, path, "the file cannot be read");
     }
-    LoadedConfig config;
-    config.Document = ParseConfigDocument(text, path);
-    const ConfigDocument& document = config.Document;
-    config.Device = LoadChecked(document.Module, document.InfoFile, document.Image, path);
-    const std::string id = ImageId(config.Device.CfgImage);
-    if (document.Id != id)
-        Refuse(ConfigFault::BadField, path,
-               "the field " + Quoted(fields::kId) + " holds " + Quoted(document.Id) + ", but the image's Id is " + id);
-    return config;
+    return ReadConfigText(text, path);
 }
 
 LoadedConfig LoadModuleConfig(const DeviceInfo& read, const std::string& source, TimePoint savedAt) {

@@ -10,18 +10,39 @@
 #include <regex>
 
 #include "configfiles/ConfigFile.h"
+#include "helpers/Sha256.h"
+#include "helpers/WholeFile.h"
+#include "link/CommandSet.h"
+#include "link/Terminal.h"
 
 namespace sb {
 namespace fs = std::filesystem;
 namespace {
 
-const char* kFolderOfNone = "(none)";  // for an empty serial number; "(" is never kept as it is
+// A folder name stays below the 255 bytes of common file systems; a longer
+// one keeps its start and, behind a "~" (never kept as it is either), a
+// hash of the whole serial number, so that two long ones stay apart.
+constexpr size_t kLongestFolderName = 255;
+constexpr size_t kKeptOfLongName = 200;
+
+// The answers of a module that did not tell its serial number.
+bool IsSerialNumber(const std::string& sn) {
+    return !sn.empty() && sn != kNoAnswer && sn != cmd::AnswerError;
+}
+
+// A long folder name cut at most at kKeptOfLongName, never inside a %XX.
+std::string CutFolderName(const std::string& name, const std::string& sn) {
+    size_t cut = kKeptOfLongName;
+    while (name[cut - 1] == '%' || name[cut - 2] == '%') --cut;
+    return name.substr(0, cut) + "~" + Sha256Hex(sn).substr(0, 16);
+}
 
 // A serial number is the module's bytes: anything but letters, digits, "-",
 // "_" and an inner "." is written %XX, so that no answer can climb out of
 // the history or hide its folder.
 std::string FolderName(const std::string& sn) {
-    if (sn.empty()) return kFolderOfNone;
+    // "(" is never kept as it is: no module's folder has the group's name.
+    if (!IsSerialNumber(sn)) return kUnknownModule;
     static const char digits[] = "0123456789ABCDEF";
     std::string name;
     for (size_t i = 0; i < sn.size(); ++i) {
@@ -34,13 +55,15 @@ std::string FolderName(const std::string& sn) {
             name += digits[c & 0x0F];
         }
     }
-    return name;
+    return name.size() > kLongestFolderName ? CutFolderName(name, sn) : name;
 }
 
+// The serial number a folder keeps, with "..." where it was cut.
 std::string SerialNumber(const std::string& folder) {
-    if (folder == kFolderOfNone) return {};
+    if (folder == kUnknownModule) return kUnknownModule;
+    const size_t cut = folder.find('~');
     std::string sn;
-    for (size_t i = 0; i < folder.size(); ++i) {
+    for (size_t i = 0; i < std::min(cut, folder.size()); ++i) {
         if (folder[i] == '%' && i + 2 < folder.size() && std::isxdigit(static_cast<unsigned char>(folder[i + 1])) &&
             std::isxdigit(static_cast<unsigned char>(folder[i + 2]))) {
             sn += static_cast<char>(std::stoi(folder.substr(i + 1, 2), nullptr, 16));
@@ -49,7 +72,7 @@ std::string SerialNumber(const std::string& folder) {
             sn += folder[i];
         }
     }
-    return sn;
+    return cut == std::string::npos ? sn : sn + "...";
 }
 
 // Files of the history, newest first: their names sort by time.
@@ -71,16 +94,6 @@ std::vector<HistoryFile> FilesIn(const fs::path& folder) {
     throw ConfigFileError(ConfigFault::CannotWrite, folder.string(), "the history cannot be kept here: " + why);
 }
 
-// A name of its own even for two reads in one millisecond.
-fs::path FreeName(const fs::path& folder, TimePoint when) {
-    for (int attempt = 0; attempt < 1000; ++attempt, when += std::chrono::milliseconds(1)) {
-        fs::path file = folder / (IsoUtcFileStamp(when) + kConfigExtension);
-        std::error_code error;
-        if (!fs::exists(file, error)) return file;
-    }
-    CannotWrite(folder, "no free file name");
-}
-
 }  // namespace
 
 std::string HistoryRoot() {
@@ -97,16 +110,26 @@ std::string HistoryRoot() {
     return (fs::path(home) / ".local" / "share" / "servicebay" / "history").string();
 }
 
+// The file is created under a name of its own: two programs keeping a read
+// of one serial number in one millisecond take the next millisecond's name.
 std::string KeepInHistory(const ConfigDocument& document, const std::string& root, TimePoint when) {
     const fs::path folder = fs::path(root) / FolderName(document.Module.SN);
     std::error_code error;
     fs::create_directories(folder, error);
     if (error) CannotWrite(folder, error.message());
-    const fs::path file = FreeName(folder, when);
-    WriteConfigFile(file.string(), document);
-    const std::vector<HistoryFile> files = FilesIn(folder);
-    for (size_t i = kHistoryLimit; i < files.size(); ++i) fs::remove(files[i].Path, error);
-    return file.string();
+    const std::string text = ConfigDocumentText(document);
+    for (int attempt = 0; attempt < 1000; ++attempt, when += std::chrono::milliseconds(1)) {
+        const fs::path file = folder / (IsoUtcFileStamp(when) + kConfigExtension);
+        if (fs::exists(file, error)) continue;  // spares writing a file only to find the name taken
+        if (!CreateFileAtomically(file.string(), text, &error)) {
+            if (error == std::errc::file_exists) continue;
+            CannotWrite(folder, error.message());
+        }
+        const std::vector<HistoryFile> files = FilesIn(folder);
+        for (size_t i = kHistoryLimit; i < files.size(); ++i) fs::remove(files[i].Path, error);
+        return file.string();
+    }
+    CannotWrite(folder, "no free file name");
 }
 
 std::vector<HistoryGroup> ListHistory(const std::string& root) {

@@ -7,10 +7,13 @@
 // Every successful read of a module keeps its configuration in the user's
 // data folder, one folder a serial number, one file a read named by its UTC
 // time: <root>/<SN>/20240131T235959.123Z.sbconf. Only the newest
-// kHistoryLimit files of a serial number stay.
+// kHistoryLimit files of a serial number stay. Reads whose serial number is
+// empty or a failure word ("No answer", "Error!") share the group of the
+// unknown module.
 namespace sb {
 
 inline constexpr size_t kHistoryLimit = 100;
+inline constexpr const char* kUnknownModule = "(unknown module)";
 
 // $XDG_DATA_HOME/servicebay/history, else ~/.local/share/servicebay/history.
 // Throws ConfigFileError (CannotWrite) when there is no home folder.
@@ -29,7 +32,7 @@ struct HistoryFile {
 };
 
 struct HistoryGroup {
-    std::string SN;
+    std::string SN;  // kUnknownModule for that group; cut, ending in "...", when too long for a folder name
     std::vector<HistoryFile> Files;  // newest first
 };
 

@@ -154,6 +154,31 @@ void SyncDirectory(const std::filesystem::path& directory) {
     if (fd.IsOpen()) ::fsync(fd.Get());
 }
 
+// Fills the temporary file, flushes it to the disk and moves it to the
+// target by move(from, to); the temporary file goes on every road but
+// success.
+template <class Move>
+std::error_code FillAndMove(Descriptor& fd, const std::string& temporary, const std::filesystem::path& target,
+                            const std::string& content, Move move) {
+    if (!WriteAll(fd.Get(), content) || ::fsync(fd.Get()) != 0 || !fd.Close() ||
+        !move(temporary.c_str(), target.c_str())) {
+        const std::error_code error = LastError();
+        ::unlink(temporary.c_str());
+        return error;
+    }
+    SyncDirectory(target.parent_path());
+    return {};
+}
+
+// A rename that fails with EEXIST where the name is taken. A file system
+// without RENAME_NOREPLACE (NFS) gets a hard link, which fails the same way.
+bool RenameUnlessTaken(const char* from, const char* to) {
+    if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return true;
+    if (errno != EINVAL || ::link(from, to) != 0) return false;
+    ::unlink(from);
+    return true;
+}
+
 std::error_code Replace(const std::string& path, const std::string& content) {
     std::filesystem::path target = path;
     if (const std::error_code error = FollowLinks(target)) return error;
@@ -178,15 +203,15 @@ std::error_code Replace(const std::string& path, const std::string& content) {
         ::unlink(temporary.c_str());
         return WriteInPlace(target, content);
     }
-    std::error_code error;
-    if (!WriteAll(fd.Get(), content) || ::fsync(fd.Get()) != 0 || !fd.Close() ||
-        std::rename(temporary.c_str(), target.c_str()) != 0) {
-        error = LastError();
-        ::unlink(temporary.c_str());
-        return error;
-    }
-    SyncDirectory(target.parent_path());
-    return {};
+    return FillAndMove(fd, temporary, target, content,
+                       [](const char* from, const char* to) { return std::rename(from, to) == 0; });
+}
+
+std::error_code Create(const std::string& path, const std::string& content) {
+    std::string temporary;
+    Descriptor fd = CreateTemporaryBeside(path, temporary);
+    if (!fd.IsOpen()) return LastError();
+    return FillAndMove(fd, temporary, path, content, RenameUnlessTaken);
 }
 
 }  // namespace
@@ -224,6 +249,12 @@ WholeFileRead ReadWholeFile(const std::string& path, std::string& bytes, int64_t
 
 bool ReplaceFileAtomically(const std::string& path, const std::string& content, std::error_code* failure) {
     const std::error_code error = Replace(path, content);
+    if (failure) *failure = error;
+    return !error;
+}
+
+bool CreateFileAtomically(const std::string& path, const std::string& content, std::error_code* failure) {
+    const std::error_code error = Create(path, content);
     if (failure) *failure = error;
     return !error;
 }

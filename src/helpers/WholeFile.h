@@ -38,4 +38,11 @@ WholeFileRead ReadWholeFile(const std::string& path, std::string& bytes, int64_t
 bool ReplaceFileAtomically(const std::string& path, const std::string& content,
                            std::error_code* failure = nullptr);
 
+// Writes content into a new file at path in one step, as
+// ReplaceFileAtomically does, but never over a file of that name: two
+// writers of one name get one file each or a failure. False when the file
+// was not written; failure (when given) then says why, file_exists when the
+// name was taken. Throws nothing.
+bool CreateFileAtomically(const std::string& path, const std::string& content, std::error_code* failure = nullptr);
+
 }  // namespace sb

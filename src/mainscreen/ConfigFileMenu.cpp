@@ -7,6 +7,7 @@
 #include <QSettings>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <optional>
 
 #include "configfiles/ConfigFile.h"
 #include "configfiles/ConfigHistory.h"
@@ -73,6 +74,19 @@ std::string ChooseFromHistory(QWidget* parent, const std::vector<HistoryGroup>& 
     return chosen;
 }
 
+// The file as the reader takes it; nothing when it cannot be taken, and a
+// message says why, whatever failed.
+std::optional<LoadedConfig> ReadOrSayWhy(const std::string& path) {
+    try {
+        return ReadConfigFile(path);
+    } catch (const ConfigFileError& e) {
+        ShowMessage(e.what());
+    } catch (const std::exception& e) {
+        ShowMessage(path + ": " + e.what());
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::string ChooseConfigFile(QWidget* parent, ConfigFileChoice choice) {
@@ -131,17 +145,12 @@ void frmDeviceCofigurator::mnuOpenConfig_Click() {
 
 // A file that cannot be taken leaves the screen as it was.
 void frmDeviceCofigurator::OpenConfigFile(const std::string& path) {
-    LoadedConfig config;
-    try {
-        config = ReadConfigFile(path);
-    } catch (const ConfigFileError& e) {
-        ShowMessage(e.what());
-        return;
-    }
+    const std::optional<LoadedConfig> config = ReadOrSayWhy(path);
+    if (!config) return;
     DeviceInfo local;
-    ApplyIdentity(config.Document.Module, local);
-    local.AppConfig = config.Document.Image;
-    local.InfoFile = config.Document.InfoFile;
+    ApplyIdentity(config->Document.Module, local);
+    local.AppConfig = config->Document.Image;
+    local.InfoFile = config->Document.InfoFile;
     ClearForOfflineRecord();
     TakeOfflineRecord(local, path);
 }
@@ -173,12 +182,8 @@ void frmDeviceCofigurator::mnuCompareReaded_Click() {
 void frmDeviceCofigurator::mnuCompareFile_Click() {
     const std::string path = ChooseConfigFile(this, ConfigFileChoice::Compare);
     if (path.empty()) return;
-    try {
-        const LoadedConfig other = ReadConfigFile(path);
-        CompareWith(other.Device, other.Device.CfgImage, path);
-    } catch (const ConfigFileError& e) {
-        ShowMessage(e.what());
-    }
+    if (const std::optional<LoadedConfig> other = ReadOrSayWhy(path))
+        CompareWith(other->Device, other->Device.CfgImage, path);
 }
 
 void frmDeviceCofigurator::mnuRestoreHistory_Click() {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <thread>
 #include <vector>
 
 #include "CatalogText.h"
@@ -65,7 +66,14 @@ struct BadFile {
     const char* what;
     ConfigFault fault;
     std::function<void(std::string& text, Json& json)> spoil;  // a text left empty is the JSON's dump
+    const char* says = "";                                     // a piece of the message
 };
+
+// The compact JSON text with its first piece of that text in place of another.
+std::string Replaced(const Json& json, const std::string& piece, const std::string& by) {
+    std::string text = json.dump();
+    return text.replace(text.find(piece), piece.size(), by);
+}
 
 TEST(ConfigFile, EveryBadFileIsRefusedNamingTheFile) {
     const DeviceInfo device = LoadedDevice();
@@ -87,6 +95,26 @@ TEST(ConfigFile, EveryBadFileIsRefusedNamingTheFile) {
         {"SN a number", ConfigFault::BadField, [](std::string&, Json& j) { j["module"]["SN"] = 7; }},
         {"text beyond U+00FF", ConfigFault::BadField, [](std::string&, Json& j) { j["module"]["VIN"] = "\u0100"; }},
         {"Id not the image's", ConfigFault::BadField, [](std::string&, Json& j) { j["id"] = "00000003"; }},
+        // Hostile files: each is refused at once, in memory of about its length, saying what is wrong.
+        {"version nested 70,000 deep", ConfigFault::NotJson,
+         [](std::string& t, Json& j) {
+             t = Replaced(j, "\"version\":1", "\"version\":" + std::string(70000, '[') + std::string(70000, ']'));
+         }, "3 levels deep"},
+        {"16 MiB of [", ConfigFault::NotJson, [](std::string& t, Json&) { t = std::string(16 << 20, '['); }, "deep"},
+        {"one byte more than 16 MiB", ConfigFault::Unreadable,
+         [](std::string& t, Json&) { t = std::string((16 << 20) + 1, ' '); }, "too large"},
+        {"a number beyond a double", ConfigFault::NotJson,
+         [](std::string& t, Json& j) { t = Replaced(j, "\"index\":2", "\"index\":1e999"); }, "number 1e999"},
+        {"NUL and more", ConfigFault::NotJson, [](std::string& t, Json& j) { t = j.dump() + '\0' + "{}"; }, "NUL"},
+        {"the image twice", ConfigFault::BadField,
+         [](std::string& t, Json& j) { t = Replaced(j, "\"image\":", "\"image\":\"\",\"image\":"); }, "\"image\" is given twice"},
+        {"SN twice", ConfigFault::BadField,
+         [](std::string& t, Json& j) { t = Replaced(j, "\"SN\":", "\"SN\":1,\"SN\":"); }, "\"module.SN\""},
+        {"a version of 15 MB", ConfigFault::OtherVersion,
+         [](std::string&, Json& j) { j["version"] = std::string(15000000, '9'); }, "(15000002 bytes)"},
+        {"a string of 15 MB with a control character", ConfigFault::NotJson,
+         [](std::string& t, Json& j) { t = Replaced(j, "\"program\":\"", "\"program\":\"" + std::string(15000000, 'a') + '\1'); },
+         "a... (150000"},
     };
     TempFolder folder;
     const std::string path = folder.File("bad.sbconf");
@@ -99,8 +127,11 @@ TEST(ConfigFile, EveryBadFileIsRefusedNamingTheFile) {
             ReadConfigFile(path);
             ADD_FAILURE() << c.what << ": read";
         } catch (const ConfigFileError& e) {
-            EXPECT_EQ(e.Fault(), c.fault) << c.what << ": " << e.what();
-            EXPECT_EQ(std::string(e.what()).rfind(path + ": ", 0), 0u) << c.what << ": " << e.what();
+            const std::string message = e.what(), shown = c.what + (": " + message.substr(0, 400));
+            EXPECT_EQ(e.Fault(), c.fault) << shown;
+            EXPECT_EQ(message.rfind(path + ": ", 0), 0u) << shown;
+            EXPECT_NE(message.find(c.says), std::string::npos) << shown;
+            EXPECT_LT(message.size(), path.size() + 300) << c.what;
         }
     }
     EXPECT_THROW(ReadConfigFile(folder.File("missing.sbconf")), ConfigFileError);
@@ -144,6 +175,41 @@ TEST(ConfigHistory, KeepsTheNewestHundredPerSerialNumberNewestFirst) {
     EXPECT_EQ(ReadConfigFile(newest).Document.Module.SN, "A/1");
     // A folder that cannot be made: below a file.
     EXPECT_THROW(KeepInHistory(document, newest), ConfigFileError);
+}
+
+TEST(ConfigHistory, TwoKeepersOfOneMillisecondKeepAFileEach) {
+    TempFolder root;
+    const DeviceInfo device = LoadedDevice();
+    const ConfigDocument document = MakeConfigDocument(device, device.PredefCfgs.Items[1].Data);
+    const auto keep = [&] {
+        for (int i = 0; i < 40; ++i) KeepInHistory(document, root.File("x"), Day(2020));
+    };
+    std::thread other(keep);
+    keep();
+    other.join();
+    EXPECT_EQ(ListHistory(root.File("x")).at(0).Files.size(), 80u);
+}
+
+// Failure words are no serial numbers; a serial number of 900 bytes as a
+// folder name is kept whole in its file.
+TEST(ConfigHistory, ReadsWithoutAUsableSerialNumberAreKeptToo) {
+    TempFolder root;
+    const DeviceInfo device = LoadedDevice();
+    ConfigDocument document = MakeConfigDocument(device, device.PredefCfgs.Items[1].Data);
+    const std::string slashes(300, '/');
+    const std::pair<std::string, int> reads[] = {{"", 2022}, {"No answer", 2022}, {"Error!", 2022},
+                                                 {slashes + "a", 2021}, {slashes + "b", 2020}};
+    for (const auto& [sn, year] : reads) {
+        document.Module.SN = sn;
+        KeepInHistory(document, root.File("x"), Day(year));
+    }
+    const std::vector<HistoryGroup> groups = ListHistory(root.File("x"));
+    ASSERT_EQ(groups.size(), 3u);
+    EXPECT_EQ(groups[0].SN, kUnknownModule);
+    EXPECT_EQ(groups[0].Files.size(), 3u);
+    for (const HistoryGroup& group : {groups[1], groups[2]})
+        EXPECT_TRUE(group.SN.starts_with("////") && group.SN.ends_with("...")) << group.SN;
+    EXPECT_EQ(ReadConfigFile(groups[1].Files.at(0).Path).Document.Module.SN, slashes + "a");
 }
 
 TEST(ConfigHistory, RootIsTheAbsoluteDataHomeElseTheHomesShare) {

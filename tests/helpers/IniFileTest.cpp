@@ -8,6 +8,7 @@
 
 #include "TempFolder.h"
 #include "helpers/IniFile.h"
+#include "helpers/WholeFile.h"
 
 namespace sb {
 namespace {
@@ -123,6 +124,17 @@ TEST(IniFile, AWriteThatCannotBeWholeWritesNothingAndSaysWhy) {
         EXPECT_EQ(why, std::make_error_code(c.why)) << c.path << ": " << why.message();
         EXPECT_EQ(TempFolder::Read(path) + TempFolder::Read(locked), content + content) << c.path;
     }
+}
+
+TEST(WholeFile, ACreationNeverTakesTheNameOfAFileThatIsThere) {
+    TempFolder folder;
+    const std::string path = folder.File("a.sbconf");
+    ASSERT_TRUE(CreateFileAtomically(path, "first"));
+    std::error_code why;
+    EXPECT_FALSE(CreateFileAtomically(path, "second", &why));
+    EXPECT_EQ(why, std::errc::file_exists);
+    EXPECT_EQ(TempFolder::Read(path), "first");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 1);  // no temporary file stays
 }
 
 }  // namespace

@@ -187,9 +187,9 @@ TEST_F(MainScreen, OpenFillsTheScreenAndCompareListsTheChangedOption) {
     form.mnuCompareReaded->trigger();
     EXPECT_EQ(seen, (std::vector<std::string>{"1", "Mode", "Off", "On", "7"}));
 
-    // A file that is no configuration changes nothing on the screen.
+    // A file that cannot be taken changes nothing on the screen, and says why.
     chosen = folder.File("other.sbconf");
-    TempFolder::Write(chosen, "<CFG/>");
+    TempFolder::Write(chosen, "[1e999]");
     form.mnuOpenConfig->trigger();
     EXPECT_THAT(messages.texts, ::testing::ElementsAre(::testing::StartsWith(chosen + ": ")));
     EXPECT_EQ(form.txtSN->text(), "SN7");
