@@ -4,6 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "config/Latin1Text.h"
+
 namespace sb {
 namespace {
 
@@ -26,10 +28,11 @@ T Field(const json& object, const char* key, T otherwise) {
     }
 }
 
+// The module's texts travel one character a byte; here they are bytes again.
 std::optional<std::string> TextField(const json& object, const char* key) {
     const auto found = object.find(key);
     if (found == object.end() || !found->is_string()) return std::nullopt;
-    return found->get<std::string>();
+    return Utf8ToLatin1(found->get<std::string>());
 }
 
 // The last line of standard error that holds anything: the program's own
@@ -131,6 +134,7 @@ void TakeFlashEnd(ModuleRecord& record, const ChildEnd& end, const std::optional
     record.Result = ResultOfEnd(*result);
     if (result->Tries > 0) record.XmodemResult = result->Result;
     record.BytesProgrammed = result->Programmed;
+    record.Report = result->Report;
     record.SN = result->SN;
     record.PName = result->Name;
     record.PVer = result->Ver;

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -51,9 +52,34 @@ int SealedCopy(const std::string& bytes) {
     return fd;
 }
 
+// What the system tells of a file without reading it; empty when it is not there.
+std::string StatusStamp(const std::string& path) {
+    struct stat s {};
+    if (::stat(path.c_str(), &s) != 0) return {};
+    const auto parts = {static_cast<uint64_t>(s.st_dev),         static_cast<uint64_t>(s.st_ino),
+                        static_cast<uint64_t>(s.st_size),        static_cast<uint64_t>(s.st_mtim.tv_sec),
+                        static_cast<uint64_t>(s.st_mtim.tv_nsec), static_cast<uint64_t>(s.st_ctim.tv_sec),
+                        static_cast<uint64_t>(s.st_ctim.tv_nsec)};
+    std::string stamp;
+    for (const uint64_t part : parts) stamp += std::to_string(part) + ' ';
+    return stamp;
+}
+
+// The folder as the system resolves it, the name as it was given: a link
+// that is pointed at another file is seen as a change of the file.
+std::string Absolute(const std::string& path) {
+    std::error_code failed;
+    const auto absolute = std::filesystem::absolute(path, failed);
+    if (path.empty() || failed) return path;
+    const auto folder = std::filesystem::weakly_canonical(absolute.parent_path(), failed);
+    return (failed ? absolute : folder / absolute.filename()).string();
+}
+
 }  // namespace
 
-FirmwareFile::FirmwareFile(std::string path) : path_(std::move(path)) {
+FirmwareFile::FirmwareFile(std::string path) : path_(Absolute(path)) {
+    // Taken before the bytes are read: a change behind it shows.
+    stamp_ = StatusStamp(path_);
     const WholeFileRead read = ReadWholeFile(path_, bytes_, kLongestFirmware);
     if (read != WholeFileRead::Complete)
         throw FirmwareError("The firmware file " + path_ + " cannot be used: " + Why(read) + ".");
@@ -71,6 +97,13 @@ FirmwareFile::~FirmwareFile() {
 std::string FirmwareFile::Name() const { return std::filesystem::path(path_).filename().string(); }
 
 std::string FirmwareFile::CopyPath() const { return "/dev/fd/" + std::to_string(copy_); }
+
+bool FirmwareFile::MayHaveChanged() const {
+    std::string now = StatusStamp(path_);
+    if (now == stamp_) return false;
+    stamp_ = std::move(now);
+    return true;
+}
 
 FirmwareState FirmwareFile::Check() const {
     std::string now;

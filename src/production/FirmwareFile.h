@@ -7,7 +7,7 @@
 // gets these very bytes: the programs that download them read a sealed copy
 // in memory, not the file, so a file that is replaced while the station runs
 // cannot slip into a module unseen. Check tells whether the file on disk
-// still holds them.
+// still holds them; MayHaveChanged is the cheap question to ask often.
 namespace sb {
 
 struct FirmwareError : std::runtime_error {
@@ -25,7 +25,7 @@ public:
     FirmwareFile(const FirmwareFile&) = delete;
     FirmwareFile& operator=(const FirmwareFile&) = delete;
 
-    const std::string& Path() const { return path_; }
+    const std::string& Path() const { return path_; }  // absolute
     std::string Name() const;  // the file's name without its folder
     int64_t Size() const { return static_cast<int64_t>(bytes_.size()); }
     const std::string& Sha256() const { return sha256_; }
@@ -37,9 +37,13 @@ public:
 
     // Reads the file again and compares its SHA-256 with the one read at the start.
     FirmwareState Check() const;
+    // Whether the file's identity, size or times differ from the last time
+    // this was asked (the first time: from the start).
+    bool MayHaveChanged() const;
 
 private:
     std::string path_;
+    mutable std::string stamp_;  // as MayHaveChanged saw the file last
     std::string bytes_;
     std::string sha256_;
     int copy_ = -1;

@@ -1,10 +1,13 @@
 #include "production/ModuleRecord.h"
 
+#include <unistd.h>
+
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <nlohmann/json.hpp>
+#include <random>
 
 #include "config/Latin1Text.h"
 
@@ -24,6 +27,7 @@ nlohmann::json Number(const std::optional<T>& number) {
 
 const char* ResultName(ModuleResult result) {
     switch (result) {
+        case ModuleResult::Started: return "started";
         case ModuleResult::Programmed: return "programmed";
         case ModuleResult::NotConfirmed: return "not confirmed";
         case ModuleResult::NotDownloaded: return "not downloaded";
@@ -32,8 +36,18 @@ const char* ResultName(ModuleResult result) {
         case ModuleResult::Hung: return "hung";
         case ModuleResult::Crashed: return "crashed";
         case ModuleResult::Interrupted: return "interrupted";
+        case ModuleResult::FirmwareChanged: return "firmware changed";
     }
     return "";
+}
+
+RunIdentity NewRunIdentity(std::string station, std::string program) {
+    char host[256] = {};
+    ::gethostname(host, sizeof host - 1);
+    std::random_device entropy;
+    char id[17];
+    std::snprintf(id, sizeof id, "%08x%08x", entropy(), entropy());
+    return {id, host, station.empty() ? host : std::move(station), std::move(program)};
 }
 
 bool Succeeded(const ModuleRecord& record) { return record.Result == ModuleResult::Programmed; }
@@ -56,10 +70,12 @@ std::string UtcNowText() {
 std::string LogLine(const ModuleRecord& r) {
     // Keys in this order, so that a person reading the file finds the module first.
     nlohmann::ordered_json line;
+    // A line of the station itself has no module.
+    const bool module = !r.Port.empty();
     line["time"] = r.Time;
-    line["port"] = r.Port;
-    line["usb_serial"] = Latin1ToUtf8(r.UsbSerial);
-    line["attempt"] = r.Attempt;
+    line["port"] = module ? nlohmann::json(r.Port) : nlohmann::json(nullptr);
+    line["usb_serial"] = module ? nlohmann::json(Latin1ToUtf8(r.UsbSerial)) : nlohmann::json(nullptr);
+    line["attempt"] = module ? nlohmann::json(r.Attempt) : nlohmann::json(nullptr);
     line["SN"] = Text(r.SN);
     line["PName"] = Text(r.PName);
     line["PVer"] = Text(r.PVer);
@@ -68,11 +84,16 @@ std::string LogLine(const ModuleRecord& r) {
     line["firmware_sha256"] = r.FirmwareSha256;
     line["result"] = ResultName(r.Result);
     line["detail"] = Latin1ToUtf8(r.Detail);
+    line["report"] = Latin1ToUtf8(r.Report);
     line["xmodem_result"] = Number(r.XmodemResult);
     line["bytes_programmed"] = r.BytesProgrammed;
+    line["bytes_acknowledged"] = Number(r.BytesAcknowledged);
     line["seconds"] = std::round(r.Seconds * 1000) / 1000;
     line["record_number"] = Number(r.RecordNumber);
-    line["program"] = r.ProgramVersion;
+    line["program"] = r.Run.Program;
+    line["run_id"] = r.Run.Id;
+    line["host"] = r.Run.Host;
+    line["station"] = r.Run.Station;
     // A file name need not be UTF-8; it must not cost the line.
     return line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
 }

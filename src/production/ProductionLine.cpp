@@ -7,8 +7,12 @@
 namespace sb {
 namespace {
 
-// A module without a serial in its USB identity is known by its port.
-std::string ModuleKey(const ModuleJob& job) { return job.UsbSerial.empty() ? "port " + job.Port : job.UsbSerial; }
+// Where another try may fare better: the transfer, the port or the program
+// failed. A firmware that could not be read, or a download without its
+// record, would end the same way again.
+bool WorthAnotherTry(ModuleResult result) {
+    return result == ModuleResult::NotDownloaded || result == ModuleResult::Hung || result == ModuleResult::Crashed;
+}
 
 }  // namespace
 
@@ -18,22 +22,44 @@ ProductionLine::ProductionLine(LineSettings settings, LineHooks hooks)
       children_({[this](ChildSupervisor::Id id, const std::string& line) { Line(id, line); },
                  [this](ChildSupervisor::Id id, const ChildEnd& end) { Ended(id, end); }}) {}
 
-bool ProductionLine::Busy(const std::string& usbSerial) const {
-    for (const auto& [id, run] : running_)
-        if (run.job.UsbSerial == usbSerial) return true;
-    return false;
-}
+void ProductionLine::Start(const ModuleJob& job) { Launch(job, job.Step == JobStep::Flash ? settings_.Retries : 0); }
 
-void ProductionLine::Start(const ModuleJob& job) {
+void ProductionLine::Launch(const ModuleJob& job, int triesLeft) {
+    if (!inBoot_.erase(job.Module)) {
+        ++attempts_[job.Module];
+        // Written before the program starts: a station that is killed leaves
+        // a trace of every module it had in hand.
+        ModuleRecord start = NewRecord(job);
+        start.Result = ModuleResult::Started;
+        Log(start);
+    }
+    if (hooks_.Started) hooks_.Started(job, attempts_[job.Module]);
     try {
         const ChildSupervisor::Id id = children_.Start(settings_.Command(job), settings_.Limits);
-        running_[id] = Job{job, {}, {}};
+        running_[id] = Job{job, triesLeft, {}, {}};
     } catch (const std::system_error& failure) {
         ModuleRecord record = NewRecord(job);
         record.Result = job.Step == JobStep::Flash ? ModuleResult::Crashed : ModuleResult::NoBoot;
         record.Detail = failure.what();
-        Finish(job, &record, false);
+        record.BytesAcknowledged = 0;
+        End(job, record, triesLeft);
     }
+}
+
+void ProductionLine::Drop(const ModuleJob& job, const std::string& why) {
+    inBoot_.erase(job.Module);
+    ModuleRecord record = NewRecord(job);
+    record.Result = ModuleResult::NotDownloaded;
+    record.Detail = why;
+    record.BytesAcknowledged = 0;
+    End(job, record, 0);
+}
+
+void ProductionLine::LogStationLine(ModuleResult result, const std::string& detail) {
+    ModuleRecord record = NewRecord({});
+    record.Result = result;
+    record.Detail = detail;
+    Log(record);
 }
 
 void ProductionLine::Line(ChildSupervisor::Id id, const std::string& line) {
@@ -51,35 +77,51 @@ void ProductionLine::Ended(ChildSupervisor::Id id, const ChildEnd& end) {
     running_.erase(id);
     ModuleRecord record = NewRecord(run.job);
     record.Seconds = end.Seconds;
+    record.BytesAcknowledged = run.progress ? run.progress->Bytes : 0;
     if (run.job.Step == JobStep::EnterBoot) {
-        if (TakeBootEnd(record, end)) return Finish(run.job, nullptr, true);
+        if (TakeBootEnd(record, end)) {
+            inBoot_.insert(run.job.Module);
+            if (hooks_.Ended) hooks_.Ended(run.job, nullptr, true);
+            return;
+        }
     } else {
         TakeFlashEnd(record, end, ParseFlashResult(run.lastLine), run.progress);
     }
-    Finish(run.job, &record, Succeeded(record));
+    End(run.job, record, run.triesLeft);
+}
+
+void ProductionLine::End(const ModuleJob& job, ModuleRecord& record, int triesLeft) {
+    const bool ok = Succeeded(record);
+    Log(record);
+    records_.push_back(record);
+    if (!ok && triesLeft > 0 && WorthAnotherTry(record.Result)) return Launch(job, triesLeft - 1);
+    if (hooks_.Ended) hooks_.Ended(job, &records_.back(), ok);
 }
 
 ModuleRecord ProductionLine::NewRecord(const ModuleJob& job) {
     ModuleRecord record;
+    record.Module = job.Module;
     record.Port = job.Port;
     record.UsbSerial = job.UsbSerial;
+    record.Attempt = attempts_[job.Module];
     record.FirmwareFile = settings_.Firmware->Path();
     record.FirmwareSize = settings_.Firmware->Size();
     record.FirmwareSha256 = settings_.Firmware->Sha256();
-    record.ProgramVersion = settings_.ProgramVersion;
+    record.Run = settings_.Run;
     return record;
 }
 
-void ProductionLine::Finish(const ModuleJob& job, ModuleRecord* record, bool ok) {
-    if (record) {
-        record->Time = UtcNowText();
-        record->Attempt = ++attempts_[ModuleKey(job)];
-        // The log first: a record nobody could read afterwards was never made.
-        if (settings_.Log) settings_.Log->Append(*record);
-        records_.push_back(*record);
-        record = &records_.back();
+// The log first: a record nobody could read afterwards was never made. A
+// line the log does not take is handed on whole, and the run goes on.
+void ProductionLine::Log(ModuleRecord& record) {
+    record.Time = UtcNowText();
+    if (!settings_.Log) return;
+    try {
+        settings_.Log->Append(record);
+    } catch (const LogError& failure) {
+        if (!logFailure_) logFailure_ = failure.what();
+        if (hooks_.Unlogged) hooks_.Unlogged(LogLine(record));
     }
-    if (hooks_.Ended) hooks_.Ended(job, record, ok);
 }
 
 }  // namespace sb

@@ -31,18 +31,26 @@ ProductionLog::~ProductionLog() {
 }
 
 void ProductionLog::Append(const ModuleRecord& record) {
-    // Behind a line that was cut short, a line end first.
+    // Behind a part of a line that could not be taken back, a line end first.
     const std::string line = (cutShort_ ? "\n" : "") + LogLine(record);
     ssize_t written;
     // A signal that comes before anything is written leaves nothing behind.
     do written = ::write(fd_, line.data(), line.size());
     while (written < 0 && errno == EINTR);
     if (written < 0) throw LogError("The log " + path_ + " cannot be written: " + Reason(errno));
-    // Only a full disk cuts a write to a file short; the part that stands
-    // there has no line end, and the next line starts on a line of its own.
-    cutShort_ = static_cast<size_t>(written) != line.size();
-    if (cutShort_)
+    if (static_cast<size_t>(written) != line.size()) {
+        // Only a full disk (or a limit on the file's size) cuts a write to a
+        // file short. The part that stands there is cut off again, so that a
+        // reader finds whole lines only; appending, the write ended at the
+        // descriptor's offset.
+        const off_t end = ::lseek(fd_, 0, SEEK_CUR);
+        cutShort_ = end < written || ::ftruncate(fd_, end - written) != 0;
         throw LogError("The log " + path_ + " took only part of a line: the disk is full.");
+    }
+    cutShort_ = false;
+    // On the disk before the next module starts: a station that loses its
+    // power keeps every line it has written.
+    if (::fdatasync(fd_) != 0) throw LogError("The log " + path_ + " cannot be written: " + Reason(errno));
 }
 
 }  // namespace sb

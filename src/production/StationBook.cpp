@@ -1,15 +1,8 @@
 #include "production/StationBook.h"
 
-#include <set>
+#include <algorithm>
 
 namespace sb {
-namespace {
-
-std::string Key(const std::string& port, const std::string& usbSerial) {
-    return usbSerial.empty() ? "port " + port : usbSerial;
-}
-
-}  // namespace
 
 std::string UsbSerialOf(const std::string& pnpDeviceId) {
     const size_t slash = pnpDeviceId.rfind('\\');
@@ -32,60 +25,120 @@ std::vector<ListedModule> ListModules(PortInventory& inventory) {
     return listing;
 }
 
-std::vector<ModuleJob> StationBook::Plan(const std::vector<ListedModule>& listing) {
-    std::set<std::string> present;
-    for (const ListedModule& m : listing) present.insert(Key(m.Port, m.UsbSerial));
-    for (auto& [key, module] : modules_)
-        if (module.stage == Stage::Failed && !present.count(key)) module.away = true;
+StationPlan StationBook::Plan(const std::vector<ListedModule>& listing) {
+    // A module is where it was while its port shows it as before; every
+    // other listed port is an arrival.
+    std::vector<Module*> stayed;
+    std::vector<ListedModule> arrivals;
+    for (const ListedModule& listed : listing) {
+        if (Module* known = SameAs(listed)) stayed.push_back(known);
+        else arrivals.push_back(listed);
+    }
+    for (Module& module : modules_) module.present = false;
+    for (Module* module : stayed) module->present = true;
+    // A module back after RUN is taken for the programmed one before a new
+    // module of its serial in boot mode could be.
+    std::stable_partition(arrivals.begin(), arrivals.end(),
+                          [](const ListedModule& m) { return m.Mode == ModuleMode::Running; });
 
-    std::vector<ModuleJob> jobs;
-    std::set<std::string> planned;
-    int begun = programmed_ + InProgress();
-    for (const ListedModule& m : listing) {
-        const std::string key = Key(m.Port, m.UsbSerial);
-        // Two ports of one serial: the first one listed is taken.
-        if (!planned.insert(key).second) continue;
-        const auto found = modules_.find(key);
-        if (found != modules_.end() && found->second.stage == Stage::Booted) {
-            if (m.Mode == ModuleMode::Boot) jobs.push_back({JobStep::Flash, m.Port, m.UsbSerial});
+    StationPlan plan;
+    for (const ListedModule& arrival : arrivals) {
+        Module* module = Returning(arrival);
+        if (!module) {
+            modules_.push_back({arrival.UsbSerial, arrival.Port, arrival.Mode, Stage::Seen, true});
             continue;
         }
-        const bool fresh = found == modules_.end() || (found->second.stage == Stage::Failed && found->second.away);
-        if (!fresh || stopped_ || (count_ > 0 && begun >= count_)) continue;
-        jobs.push_back({m.Mode == ModuleMode::Boot ? JobStep::Flash : JobStep::EnterBoot, m.Port, m.UsbSerial});
+        if (module->stage == Stage::Programmed) plan.Skipped.push_back(arrival);
+        if (module->stage == Stage::Failed) module->stage = Stage::Seen;
+        *module = {module->serial, arrival.Port, arrival.Mode, module->stage, true};
+    }
+
+    int begun = programmed_ + InProgress();
+    for (size_t i = 0; i < modules_.size(); ++i) {
+        const Module& module = modules_[i];
+        if (!module.present) continue;
+        const bool boot = module.mode == ModuleMode::Boot;
+        if (module.stage == Stage::Booted && boot) plan.Jobs.push_back(JobOf(i, JobStep::Flash));
+        if (module.stage != Stage::Seen || stopped_ || (count_ > 0 && begun >= count_)) continue;
+        plan.Jobs.push_back(JobOf(i, boot ? JobStep::Flash : JobStep::EnterBoot));
         ++begun;
     }
-    return jobs;
+    return plan;
+}
+
+StationBook::Module* StationBook::SameAs(const ListedModule& listed) {
+    for (Module& module : modules_)
+        if (module.present && module.port == listed.Port && module.serial == listed.UsbSerial &&
+            module.mode == listed.Mode)
+            return &module;
+    return nullptr;
+}
+
+// An absent module of the arrival's serial: one on its way into its boot
+// loader when the arrival is in boot mode, else one that failed (to be tried
+// again), one seen before, and last one that was programmed.
+StationBook::Module* StationBook::Returning(const ListedModule& arrival) {
+    const auto likeness = [&arrival](const Module& m) {
+        if (m.present || m.serial != arrival.UsbSerial) return 0;
+        switch (m.stage) {
+            case Stage::Booting:
+            case Stage::Booted: return arrival.Mode == ModuleMode::Boot ? 4 : 0;
+            case Stage::Failed: return 3;
+            case Stage::Seen: return 2;
+            case Stage::Programmed: return 1;
+            case Stage::Flashing: return 0;
+        }
+        return 0;
+    };
+    Module* best = nullptr;
+    for (Module& module : modules_)
+        if (likeness(module) > (best ? likeness(*best) : 0)) best = &module;
+    return best;
+}
+
+ModuleJob StationBook::JobOf(size_t index, JobStep step) const {
+    const Module& module = modules_[index];
+    return {step, module.port, module.serial, static_cast<int>(index) + 1};
 }
 
 void StationBook::Started(const ModuleJob& job) {
-    modules_[Key(job.Port, job.UsbSerial)] = {job.Step == JobStep::Flash ? Stage::Flashing : Stage::Booting};
+    modules_.at(job.Module - 1).stage = job.Step == JobStep::Flash ? Stage::Flashing : Stage::Booting;
 }
 
 void StationBook::Ended(const ModuleJob& job, bool ok) {
-    Module& module = modules_[Key(job.Port, job.UsbSerial)];
+    Stage& stage = modules_.at(job.Module - 1).stage;
     if (!ok) {
-        module = {Stage::Failed};
+        stage = Stage::Failed;
     } else if (job.Step == JobStep::EnterBoot) {
-        module = {Stage::Booted};
+        stage = Stage::Booted;
     } else {
-        module = {Stage::Programmed};
+        stage = Stage::Programmed;
         ++programmed_;
     }
 }
 
+std::optional<ModuleJob> StationBook::Stranded() const {
+    for (size_t i = 0; i < modules_.size(); ++i)
+        if (modules_[i].stage == Stage::Booted) return JobOf(i, JobStep::Flash);
+    return std::nullopt;
+}
+
+std::vector<ListedModule> StationBook::NotStarted() const {
+    std::vector<ListedModule> waiting;
+    for (const Module& module : modules_)
+        if (module.stage == Stage::Seen) waiting.push_back({module.port, module.serial, module.mode});
+    return waiting;
+}
+
 int StationBook::InProgress() const {
-    int busy = 0;
-    for (const auto& [key, module] : modules_)
-        if (module.stage == Stage::Booting || module.stage == Stage::Booted || module.stage == Stage::Flashing) ++busy;
-    return busy;
+    return static_cast<int>(std::count_if(modules_.begin(), modules_.end(), [](const Module& m) {
+        return m.stage == Stage::Booting || m.stage == Stage::Booted || m.stage == Stage::Flashing;
+    }));
 }
 
 bool StationBook::Finished() const {
     if (!stopped_ && (count_ == 0 || programmed_ < count_)) return false;
-    for (const auto& [key, module] : modules_)
-        if (module.stage == Stage::Booting || module.stage == Stage::Flashing) return false;
-    return true;
+    return InProgress() == 0;
 }
 
 }  // namespace sb

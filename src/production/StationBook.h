@@ -1,5 +1,5 @@
 #pragma once
-#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -7,12 +7,16 @@
 #include "link/PortLists.h"
 #include "production/ProductionLine.h"
 
-// The station's memory of the modules it has seen, by the serial of their USB
-// identity: a module programmed successfully is not programmed again while
-// the station runs, also when it comes back running after RUN; one that
-// failed is tried again once it has been away and is plugged in again. A
-// running module is first sent into its boot loader and downloaded when it
-// shows up there.
+// The station's memory of the modules it has seen. A port is one module:
+// two ports that show one USB serial are two modules, for boot loaders may
+// all show the same one. A module is followed while it re-enumerates: a
+// module that shows up on a new port is taken for an absent one of its
+// serial where there is one (on its way into its boot loader, failed, or
+// programmed), else for a new one. A module programmed successfully is not
+// programmed again while the station runs, also when it comes back running
+// after RUN; one that failed is tried again once it has been away and is
+// plugged in again. A running module is first sent into its boot loader and
+// downloaded when it shows up there.
 namespace sb {
 
 struct ListedModule {
@@ -29,34 +33,50 @@ std::string UsbSerialOf(const std::string& pnpDeviceId);
 // left out. A failing inventory gives what it had found until then.
 std::vector<ListedModule> ListModules(PortInventory& inventory);
 
+struct StationPlan {
+    std::vector<ModuleJob> Jobs;
+    // Programmed modules that came back: left alone.
+    std::vector<ListedModule> Skipped;
+};
+
 class StationBook {
 public:
     // count: end after that many modules were programmed; 0: no end.
     explicit StationBook(int count = 0) : count_(count) {}
 
     // What to start for the modules listed now. Mark each job with Started.
-    std::vector<ModuleJob> Plan(const std::vector<ListedModule>& listing);
+    StationPlan Plan(const std::vector<ListedModule>& listing);
     void Started(const ModuleJob& job);
     void Ended(const ModuleJob& job, bool ok);
     // Nothing new is started from now on.
     void Stop() { stopped_ = true; }
 
-    // Stopped, or the count reached, and no job of a module in progress.
+    // A module that was sent into its boot loader and waits for its download.
+    std::optional<ModuleJob> Stranded() const;
+    // The modules seen that nothing was started for.
+    std::vector<ListedModule> NotStarted() const;
+    // Stopped, or the count reached, and no module in progress.
     bool Finished() const;
     int Programmed() const { return programmed_; }
 
 private:
-    enum class Stage { Booting, Booted, Flashing, Programmed, Failed };
+    enum class Stage { Seen, Booting, Booted, Flashing, Programmed, Failed };
     struct Module {
+        std::string serial;
+        std::string port;  // where it was seen last
+        ModuleMode mode;
         Stage stage;
-        bool away = false;  // seen missing from a listing since it failed
+        bool present;  // in the last listing
     };
+    Module* SameAs(const ListedModule& listed);
+    Module* Returning(const ListedModule& arrival);
     int InProgress() const;
+    ModuleJob JobOf(size_t index, JobStep step) const;
 
     int count_;
     bool stopped_ = false;
     int programmed_ = 0;
-    std::map<std::string, Module> modules_;
+    std::vector<Module> modules_;  // a module's number is its index + 1
 };
 
 }  // namespace sb

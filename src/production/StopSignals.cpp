@@ -1,6 +1,5 @@
 #include "production/StopSignals.h"
 
-#include <signal.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
@@ -10,31 +9,36 @@
 namespace sb {
 namespace {
 
+// A closed terminal or a dropped remote login (SIGHUP) asks as politely as
+// Ctrl-C. A signal that the caller ignores stays ignored (nohup): blocked,
+// it would be queued for the descriptor all the same.
 sigset_t StopSet() {
     sigset_t set;
     sigemptyset(&set);
-    sigaddset(&set, SIGINT);
-    sigaddset(&set, SIGTERM);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction now {};
+        if (::sigaction(signal, nullptr, &now) == 0 && now.sa_handler == SIG_IGN) continue;
+        sigaddset(&set, signal);
+    }
     return set;
 }
 
 }  // namespace
 
-StopSignals::StopSignals() {
-    const sigset_t set = StopSet();
-    if (::sigprocmask(SIG_BLOCK, &set, nullptr) != 0) throw std::system_error(errno, std::generic_category(), "sigprocmask");
-    fd_ = ::signalfd(-1, &set, SFD_NONBLOCK | SFD_CLOEXEC);
+StopSignals::StopSignals() : set_(StopSet()) {
+    if (::sigprocmask(SIG_BLOCK, &set_, nullptr) != 0)
+        throw std::system_error(errno, std::generic_category(), "sigprocmask");
+    fd_ = ::signalfd(-1, &set_, SFD_NONBLOCK | SFD_CLOEXEC);
     if (fd_ < 0) {
         const int error = errno;
-        ::sigprocmask(SIG_UNBLOCK, &set, nullptr);
+        ::sigprocmask(SIG_UNBLOCK, &set_, nullptr);
         throw std::system_error(error, std::generic_category(), "signalfd");
     }
 }
 
 StopSignals::~StopSignals() {
     ::close(fd_);
-    const sigset_t set = StopSet();
-    ::sigprocmask(SIG_UNBLOCK, &set, nullptr);
+    ::sigprocmask(SIG_UNBLOCK, &set_, nullptr);
 }
 
 void StopSignals::AddPollFd(std::vector<pollfd>& fds) const { fds.push_back({fd_, POLLIN, 0}); }

@@ -1,11 +1,13 @@
 #pragma once
 #include <poll.h>
+#include <signal.h>
 
 #include <vector>
 
-// Ctrl-C (SIGINT) and SIGTERM as something to read in the poll loop of a
-// production run instead of a handler that can strike anywhere: while an
-// object lives, the two are blocked and arrive on a signal descriptor.
+// Ctrl-C (SIGINT), SIGTERM and SIGHUP as something to read in the poll loop
+// of a production run instead of a handler that can strike anywhere: while
+// an object lives, they are blocked and arrive on a signal descriptor. One
+// that is ignored when the object is made stays ignored (nohup).
 // Children started by ChildSupervisor get them back at their defaults.
 namespace sb {
 
@@ -22,6 +24,7 @@ public:
     int Take();
 
 private:
+    sigset_t set_;
     int fd_ = -1;
 };
 

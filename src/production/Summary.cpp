@@ -6,8 +6,6 @@
 namespace sb {
 namespace {
 
-std::string KeyOf(const ModuleRecord& r) { return r.UsbSerial.empty() ? "port " + r.Port : r.UsbSerial; }
-
 std::string Padded(std::string text, size_t width) {
     if (text.size() < width) text.append(width - text.size(), ' ');
     return text;
@@ -19,12 +17,16 @@ Summary Summarize(const std::vector<ModuleRecord>& records) {
     Summary summary;
     for (const ModuleRecord& record : records) {
         auto row = std::find_if(summary.Rows.begin(), summary.Rows.end(),
-                                [&](const SummaryRow& r) { return KeyOf(r.Last) == KeyOf(record); });
+                                [&](const SummaryRow& r) { return r.Last.Module == record.Module; });
         if (row == summary.Rows.end()) row = summary.Rows.insert(summary.Rows.end(), SummaryRow{});
         row->Last = record;
         ++row->Attempts;
     }
     return summary;
+}
+
+std::string ModuleName(const std::string& port, const std::string& usbSerial) {
+    return usbSerial.empty() ? port : usbSerial + " (" + port + ")";
 }
 
 bool Summary::AllSucceeded() const { return Failed().empty(); }
@@ -60,9 +62,7 @@ std::string Summary::Table() const {
     if (!failed.empty()) {
         table += "; failed:";
         for (const SummaryRow* row : failed) {
-            const ModuleRecord& last = row->Last;
-            table += ' ' + (last.UsbSerial.empty() ? last.Port : last.UsbSerial + " (" + last.Port + ")") + " [" +
-                     ResultName(last.Result) + "]";
+            table += ' ' + ModuleName(row->Last.Port, row->Last.UsbSerial) + " [" + ResultName(row->Last.Result) + "]";
             if (row != failed.back()) table += ',';
         }
     }

@@ -27,10 +27,10 @@ struct CliRun {
 };
 
 // Runs servicebay-cli of this build (or its copy in binDir) to its end, its
-// output kept in folder.
+// output kept in folder; shell text in front of it may set up its process.
 inline CliRun RunCli(const TempFolder& folder, const std::vector<std::string>& args,
-                     const std::string& binDir = FromEnvironment("SB_BIN_DIR")) {
-    std::string command = ShellQuoted(binDir + "/servicebay-cli");
+                     const std::string& binDir = FromEnvironment("SB_BIN_DIR"), const std::string& before = "") {
+    std::string command = before + ShellQuoted(binDir + "/servicebay-cli");
     for (const std::string& arg : args) command += " " + ShellQuoted(arg);
     const std::string out = folder.File("out");
     const std::string err = folder.File("err");

@@ -15,7 +15,8 @@
 // starts ("modules": the arguments of each) and its commands ("steps", or
 // one command at the case's top): each with its arguments, its exit status,
 // its output ("out"/"err" exact, "out~"/"err~" a part, "out@" a file beside
-// this test) and lines of the first module's state file behind it. With
+// this test), a part of files it leaves in the case's folder ("files~") and
+// lines of the first module's state file behind it. With
 // "own_program" the commands run from a copy of the program in the case's
 // folder, so that the sniffer.ini beside it is the case's. $FOLDER stands
 // for the case's folder (in outputs too), $SOURCE for the source tree and
@@ -68,6 +69,10 @@ private:
             std::string err = run.err;
             for (const std::string& device : devices) ReplaceAll(err, device, "$PORT");
             ExpectOutput(step, "err", err, caseFolder);
+            const json files = step.value("files~", json::object());
+            for (const auto& [name, part] : files.items())
+                EXPECT_NE(TempFolder::Read(caseFolder + "/" + name).find(part.get<std::string>()), std::string::npos)
+                    << name;
             const json state = step.value("state", json::object());
             for (const auto& [key, value] : state.items())
                 EXPECT_TRUE(modules.at(0)->WaitForState(key, value.get<std::string>())) << modules[0]->State(key);

@@ -250,13 +250,15 @@ void AddFlashCommand(CLI::App& app) {
     flash->add_flag("--progress-json", options->progressJson,
                     "The progress as one JSON line per block on standard output, for a program that watches");
     flash->add_flag("--run-after", options->runAfter, "Start the firmware with RUN behind a successful download");
+    // With a log, one module's download is a production line of one: the same
+    // lines, tries and summary as for many.
     flash->callback([options, many] {
-        if (!many->all) return Flash(*options);
+        if (!many->all && many->log.empty()) return Flash(*options);
         many->file = options->file;
         many->production = options->production;
         many->retries = options->retries;
         many->runAfter = options->runAfter;
-        FlashAll(*many);
+        FlashAll(*many, many->all ? "" : options->port);
     });
 }
 

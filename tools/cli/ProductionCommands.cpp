@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -21,6 +22,11 @@
 namespace sb::cli {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
+// A firmware file that changes is seen within this time, also while no module comes.
+constexpr auto kFirmwareCheckEvery = std::chrono::seconds(1);
+
 [[noreturn]] void Fail(int status, const std::string& message) {
     std::cerr << message << '\n';
     throw CLI::RuntimeError(status);
@@ -33,14 +39,14 @@ std::string ThisProgram() {
     return failed ? "servicebay-cli" : path.string();
 }
 
-// The program line of one job. A download reads the sealed copy of the
-// firmware, so every module gets the bytes whose SHA-256 the log names.
+// The program line of one job: one try, for the line counts and logs each
+// try itself. A download reads the sealed copy of the firmware, so every
+// module gets the bytes whose SHA-256 the log names.
 std::vector<std::string> JobCommand(const ProductionOptions& options, const FirmwareFile& firmware,
                                     const ModuleJob& job) {
     if (job.Step == JobStep::EnterBoot) return {ThisProgram(), "boot", "--port", job.Port, "--json"};
-    std::vector<std::string> argv = {ThisProgram(),          "flash", "--port", job.Port, firmware.CopyPath(),
-                                     "--json",               "--progress-json", "--retries",
-                                     std::to_string(options.retries)};
+    std::vector<std::string> argv = {ThisProgram(), "flash", "--port", job.Port, firmware.CopyPath(), "--json",
+                                     "--progress-json"};
     if (options.production) argv.push_back("--production");
     if (options.runAfter) argv.push_back("--run-after");
     return argv;
@@ -72,30 +78,36 @@ LineSettings SettingsOf(Run& run, const ProductionOptions& options) {
     LineSettings settings;
     settings.Firmware = run.firmware.get();
     settings.Log = run.log.get();
-    settings.ProgramVersion = kProgramVersion;
+    settings.Run = NewRunIdentity(options.station, std::string("servicebay-cli ") + kProgramVersion);
+    settings.Retries = options.retries;
     const FirmwareFile* firmware = run.firmware.get();
     settings.Command = [options, firmware](const ModuleJob& job) { return JobCommand(options, *firmware, job); };
     return settings;
 }
 
+// A line that the log did not take goes to standard error as it is.
 LineHooks HooksOf(Run& run) {
-    return {[&run](const ModuleJob& job, const XmodemProgress& p) { run.board.Progress(job, p); },
-            [&run](const ModuleJob& job, const ModuleRecord* record, bool ok) { run.board.Ended(job, record, ok); }};
+    return {[&run](const ModuleJob& job, int attempt) { run.board.Started(job, attempt); },
+            [&run](const ModuleJob& job, const XmodemProgress& p) { run.board.Progress(job, p); },
+            [&run](const ModuleJob& job, const ModuleRecord* record, bool ok) { run.board.Ended(job, record, ok); },
+            [&run](const std::string& line) { run.board.Note(line.substr(0, line.find_last_not_of('\n') + 1)); }};
 }
 
 // One turn of the loop: waits for the children, the stop signals and the
-// device events, and serves what came. Answers the stop requests that came.
+// device events, at most maxMs, and serves what came. Answers the stop
+// requests that came.
 struct Turn {
     int stops = 0;
     bool devices = false;
 };
-Turn WaitTurn(ChildSupervisor& children, StopSignals& signals, DeviceEvents* events) {
+Turn WaitTurn(ChildSupervisor& children, StopSignals& signals, DeviceEvents* events, int maxMs) {
     std::vector<pollfd> fds;
     signals.AddPollFd(fds);
     if (events) events->AddPollFds(fds);
     const size_t own = fds.size();
     children.AddPollFds(fds);
-    ::poll(fds.data(), fds.size(), children.PollTimeoutMs());
+    const int due = children.PollTimeoutMs();
+    ::poll(fds.data(), fds.size(), due < 0 ? maxMs : maxMs < 0 ? due : std::min(due, maxMs));
     Turn turn;
     for (size_t i = 0; i < own; ++i) {
         if (!fds[i].revents) continue;
@@ -106,42 +118,72 @@ Turn WaitTurn(ChildSupervisor& children, StopSignals& signals, DeviceEvents* eve
     return turn;
 }
 
-// The table on standard output; the failed modules named on standard error
-// and in the exit status.
-void Conclude(const std::vector<ModuleRecord>& records) {
-    const Summary summary = Summarize(records);
-    std::cout << summary.Table() << std::flush;
-    if (summary.AllSucceeded()) return;
+std::string Names(const std::vector<ListedModule>& modules) {
     std::string names;
-    for (const SummaryRow* row : summary.Failed())
-        names += (names.empty() ? "" : ", ") + (row->Last.UsbSerial.empty() ? row->Last.Port : row->Last.UsbSerial);
-    Fail(kExitModuleFailed, "Not programmed: " + names + ".");
+    for (const ListedModule& m : modules) names += (names.empty() ? "" : ", ") + ModuleName(m.Port, m.UsbSerial);
+    return names;
 }
+
+// The table on standard output; the modules that were not programmed named
+// on standard error, and the exit status: a log that failed comes first,
+// then a firmware file that changed (said when it was seen), then the modules.
+void Conclude(const ProductionLine& line, const std::vector<ListedModule>& notStarted = {},
+              bool firmwareChanged = false) {
+    const Summary summary = Summarize(line.Records());
+    std::cout << summary.Table() << std::flush;
+    std::vector<ListedModule> failed;
+    for (const SummaryRow* row : summary.Failed()) failed.push_back({row->Last.Port, row->Last.UsbSerial});
+    if (!failed.empty()) std::cerr << "Not programmed: " << Names(failed) << ".\n";
+    if (!notStarted.empty()) std::cerr << "Seen, but not started: " << Names(notStarted) << ".\n";
+    if (line.LogFailure()) Fail(kExitNoLog, *line.LogFailure());
+    if (firmwareChanged) throw CLI::RuntimeError(kExitFirmwareChanged);
+    if (!failed.empty() || !notStarted.empty()) throw CLI::RuntimeError(kExitModuleFailed);
+}
+
+// Ctrl-C and its kin: the first one lets the modules in progress end, the
+// second stops them. A log that fails stops the station as the first does.
+class Stopping {
+public:
+    explicit Stopping(ProgressBoard& board) : board_(board) {}
+    void Take(sb::Station& station, int stops) {
+        for (int i = 0; i < stops; ++i) {
+            if (++stops_ > 1) station.Abort();
+            else Begin(station, "Stopping: the modules in progress are finished first (Ctrl-C again to stop them).");
+        }
+        if (station.Line().LogFailure() && !begun_)
+            Begin(station, "Stopping: the log cannot be written; the modules in progress are finished first.");
+    }
+
+private:
+    void Begin(sb::Station& station, const std::string& why) {
+        if (!begun_) board_.Note(why);
+        begun_ = true;
+        station.Stop();
+    }
+    ProgressBoard& board_;
+    int stops_ = 0;
+    bool begun_ = false;
+};
 
 }  // namespace
 
-void FlashAll(const ProductionOptions& options) {
+void FlashAll(const ProductionOptions& options, const std::string& port) {
     Run run;
     Prepare(run, options);
     std::vector<ModuleJob> jobs;
     for (const ListedModule& module : ListModules(*MakePortInventory()))
-        if (module.Mode == ModuleMode::Boot) jobs.push_back({JobStep::Flash, module.Port, module.UsbSerial});
+        if (port.empty() ? module.Mode == ModuleMode::Boot : module.Port == port)
+            jobs.push_back({JobStep::Flash, module.Port, module.UsbSerial, static_cast<int>(jobs.size()) + 1});
+    // A port that the listing does not show is taken as it was given.
+    if (!port.empty() && jobs.empty()) jobs.push_back({JobStep::Flash, port, "", 1});
     if (jobs.empty()) Fail(kExitNoModule, "Cant find device in boot mode");
 
     StopSignals signals;
     ProductionLine line(SettingsOf(run, options), HooksOf(run));
-    try {
-        for (const ModuleJob& job : jobs) {
-            run.board.Started(job);
-            line.Start(job);
-        }
-        while (line.Running() > 0)
-            if (WaitTurn(line.Children(), signals, nullptr).stops > 0) line.StopAll();
-    } catch (const LogError& failure) {
-        line.StopAll();
-        Fail(kExitNoLog, failure.what());
-    }
-    Conclude(line.Records());
+    for (const ModuleJob& job : jobs) line.Start(job);
+    while (line.Running() > 0)
+        if (WaitTurn(line.Children(), signals, nullptr, -1).stops > 0) line.StopAll();
+    Conclude(line);
 }
 
 namespace {
@@ -154,40 +196,37 @@ void Station(const ProductionOptions& options) {
     for (const std::string& problem : events.Problems()) std::cerr << problem << '\n';
     auto inventory = MakePortInventory();
     StationSettings settings{SettingsOf(run, options), options.count,
-                             [&inventory] { return ListModules(*inventory); }};
+                             [&inventory] { return ListModules(*inventory); },
+                             [&run](const std::string& text) { run.board.Note(text); }};
     sb::Station station(std::move(settings), HooksOf(run));
     run.board.Note("Waiting for modules (" + run.firmware->Name() + ", SHA-256 " + run.firmware->Sha256() + ")");
-    int stops = 0;
-    try {
-        station.Refresh();
-        while (!station.Finished()) {
-            const Turn turn = WaitTurn(station.Line().Children(), signals, &events);
-            if (turn.devices) station.Refresh();
-            for (int i = 0; i < turn.stops; ++i) {
-                if (++stops == 1) {
-                    run.board.Note("Stopping: the modules in progress are finished first (Ctrl-C again to stop them).");
-                    station.Stop();
-                } else {
-                    station.Abort();
-                }
-            }
+    Stopping stopping(run.board);
+    auto nextCheck = Clock::now() + kFirmwareCheckEvery;
+    station.Refresh();
+    while (!station.Finished()) {
+        const auto untilCheck = std::chrono::ceil<std::chrono::milliseconds>(nextCheck - Clock::now());
+        const Turn turn = WaitTurn(station.Line().Children(), signals, &events,
+                                   static_cast<int>(std::max<int64_t>(0, untilCheck.count())));
+        if (turn.devices) station.Refresh();
+        if (Clock::now() >= nextCheck) {
+            station.CheckFirmware();
+            nextCheck = Clock::now() + kFirmwareCheckEvery;
         }
-    } catch (const LogError& failure) {
-        station.Abort();
-        Fail(kExitNoLog, failure.what());
+        stopping.Take(station, turn.stops);
     }
-    if (station.Refusal()) {
-        std::cout << Summarize(station.Line().Records()).Table() << std::flush;
-        Fail(kExitFirmwareChanged, *station.Refusal());
-    }
-    Conclude(station.Line().Records());
+    Conclude(station.Line(), station.NotStarted(), station.Refusal().has_value());
 }
 
 }  // namespace
 
 CLI::Option* AddFlashAllOptions(CLI::App* flash, ProductionOptions& options) {
-    flash->add_option("--log", options.log, "With --all: append one JSON line per module and attempt to FILE")
+    flash->add_option("--log", options.log,
+                      "Append a JSON line to FILE when each try starts and ends; the download then runs as the "
+                      "production line of --all does")
         ->type_name("FILE");
+    flash->add_option("--station", options.station,
+                      "With --log: the station's name in the log (default: the host name)")
+        ->type_name("NAME");
     return flash->add_flag("--all", options.all, "Download the file into every module in boot mode at the same time");
 }
 
@@ -205,8 +244,10 @@ void AddStationCommand(CLI::App& app) {
     station->add_option("--retries", options->retries, "Try a failed download again up to N times (default 0)")
         ->type_name("N")
         ->check(CLI::NonNegativeNumber);
-    station->add_option("--log", options->log, "Append one JSON line per module and attempt to FILE")
+    station->add_option("--log", options->log, "Append a JSON line to FILE when each try starts and ends")
         ->type_name("FILE");
+    station->add_option("--station", options->station, "The station's name in the log (default: the host name)")
+        ->type_name("NAME");
     station->callback([options] { Station(*options); });
 }
 

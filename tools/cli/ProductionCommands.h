@@ -2,10 +2,10 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
-// flash --all and station: the production line from the command line. Each
-// module's download runs as `servicebay-cli flash --port P ... --json
-// --progress-json` of its own; this program only starts them, shows their
-// progress, writes the log and the summary.
+// flash --all, flash --log and station: the production line from the command
+// line. Each module's download runs as `servicebay-cli flash --port P ...
+// --json --progress-json` of its own; this program only starts them, shows
+// their progress, writes the log and the summary.
 namespace sb::cli {
 
 struct ProductionOptions {
@@ -13,16 +13,17 @@ struct ProductionOptions {
     bool production = false;
     int retries = 0;
     std::string log;
-    bool all = false;  // flash only
-    // station only
+    std::string station;  // the station's name in the log
     bool runAfter = false;
-    int count = 0;
+    bool all = false;  // flash only
+    int count = 0;     // station only
 };
 
-// Adds --all and --log to the flash command; the caller runs FlashAll when
-// the option that is returned was given.
+// Adds --all, --log and --station to the flash command and returns --all; the
+// caller runs FlashAll when --all or --log was given.
 CLI::Option* AddFlashAllOptions(CLI::App* flash, ProductionOptions& options);
-void FlashAll(const ProductionOptions& options);
+// Every module in boot mode, or the one on port.
+void FlashAll(const ProductionOptions& options, const std::string& port = "");
 
 void AddStationCommand(CLI::App& app);  // station
 

@@ -20,9 +20,10 @@ std::string Percent(double share) {
 
 }  // namespace
 
-void ProgressBoard::Started(const ModuleJob& job) {
-    if (job.Step == JobStep::EnterBoot) return Note(Who(job) + "  into the boot loader");
-    rows_[job.Port] = Row{Who(job), {}, Clock::now(), -1};
+void ProgressBoard::Started(const ModuleJob& job, int attempt) {
+    const std::string who = Who(job) + (attempt > 1 ? "  try " + std::to_string(attempt) : "");
+    if (job.Step == JobStep::EnterBoot) return Note(who + "  into the boot loader");
+    rows_[job.Port] = Row{who, {}, Clock::now(), -1};
     if (terminal_) Draw({}, true);
 }
 

@@ -18,7 +18,8 @@ class ProgressBoard {
 public:
     ProgressBoard(std::ostream& out, bool terminal) : out_(out), terminal_(terminal) {}
 
-    void Started(const ModuleJob& job);
+    // attempt: the module's, shown from the second on.
+    void Started(const ModuleJob& job, int attempt);
     void Progress(const ModuleJob& job, const XmodemProgress& progress);
     // record: as logged; null for a switch into the boot loader that succeeded.
     void Ended(const ModuleJob& job, const ModuleRecord* record, bool ok);
