@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "config/Latin1Text.h"
+
 namespace sb {
 namespace {
 
@@ -26,7 +28,7 @@ Summary Summarize(const std::vector<ModuleRecord>& records) {
 }
 
 std::string ModuleName(const std::string& port, const std::string& usbSerial) {
-    return usbSerial.empty() ? port : usbSerial + " (" + port + ")";
+    return usbSerial.empty() ? Latin1ToTerminal(port) : Latin1ToTerminal(usbSerial) + " (" + Latin1ToTerminal(port) + ")";
 }
 
 bool Summary::AllSucceeded() const { return Failed().empty(); }
@@ -44,7 +46,7 @@ std::string Summary::Table() const {
     for (const SummaryRow& row : Rows) {
         char seconds[32];
         std::snprintf(seconds, sizeof seconds, "%.1f", row.Last.Seconds);
-        cells.push_back({row.Last.UsbSerial.empty() ? "-" : row.Last.UsbSerial, row.Last.Port,
+        cells.push_back({row.Last.UsbSerial.empty() ? "-" : Latin1ToTerminal(row.Last.UsbSerial), Latin1ToTerminal(row.Last.Port),
                          ResultName(row.Last.Result), std::to_string(row.Attempts),
                          std::to_string(row.Last.BytesProgrammed), seconds});
     }

@@ -273,13 +273,14 @@ TEST(Summary, NamesTheModulesWhoseLastAttemptFailed) {
         return r;
     };
     const Summary summary =
-        Summarize({record(1, "S1", ModuleResult::NotDownloaded), record(2, "S2", ModuleResult::Hung),
-                   record(1, "S1", ModuleResult::Programmed), record(3, "S2", ModuleResult::Programmed)});
+        Summarize({record(1, "S1", ModuleResult::NotDownloaded), record(2, "S2\x1b", ModuleResult::Hung),
+                   record(1, "S1", ModuleResult::Programmed), record(3, "S2\x1b", ModuleResult::Programmed)});
     ASSERT_EQ(summary.Rows.size(), 3u);
     EXPECT_EQ(summary.Rows[0].Attempts, 2);
     EXPECT_FALSE(summary.AllSucceeded());
     const std::string table = summary.Table();
-    EXPECT_TRUE(table.ends_with("\n2 of 3 modules programmed; failed: S2 (tty2) [hung]\n")) << table;
+    EXPECT_TRUE(table.ends_with("\n2 of 3 modules programmed; failed: S2\\x1B (tty2) [hung]\n")) << table;
+    EXPECT_EQ(table.find('\x1b'), std::string::npos) << "a device's serial never reaches the terminal raw";
 }
 
 TEST(FirmwareFile, KeepsTheBytesReadAtTheStartAndTellsAChangedFile) {

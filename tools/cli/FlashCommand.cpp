@@ -212,7 +212,7 @@ void Flash(const FlashOptions& options) {
         // The success on standard output; the failures and the retry question
         // on standard error.
         std::ostream& out = text.rfind(kUpdateCompleted, 0) == 0 ? std::cout : std::cerr;
-        if (!options.json) out << TerminalLines(text) << (question ? (retry ? " yes" : " no") : "") << std::endl;
+        if (!options.json) out << TerminalSafeLines(text) << (question ? (retry ? " yes" : " no") : "") << std::endl;
         if (!question) return ui::MessageAnswer::Ok;
         if (!retry) return ui::MessageAnswer::Cancel;
         --retriesLeft;

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "config/Latin1Text.h"
 #include "update/TransferPace.h"
 
 namespace sb::cli {
@@ -10,7 +11,10 @@ namespace {
 constexpr auto kRedrawEvery = std::chrono::milliseconds(100);
 constexpr int kBarWidth = 24;
 
-std::string Who(const ModuleJob& job) { return job.Port + "  " + (job.UsbSerial.empty() ? "-" : job.UsbSerial); }
+// The device's serial is its own text: it reaches the terminal in the safe form.
+std::string Who(const ModuleJob& job) {
+    return Latin1ToTerminal(job.Port) + "  " + (job.UsbSerial.empty() ? "-" : Latin1ToTerminal(job.UsbSerial));
+}
 
 std::string Percent(double share) {
     char text[8];
