@@ -1,5 +1,7 @@
 #include "production/Station.h"
 
+#include "config/Latin1Text.h"
+
 namespace sb {
 
 Station::Station(StationSettings settings, LineHooks hooks)
@@ -27,7 +29,8 @@ void Station::Refresh() {
         again_ = false;
         const StationPlan plan = book_.Plan(list_());
         for (const ListedModule& module : plan.Skipped)
-            if (note_) note_(module.Port + "  " + (module.UsbSerial.empty() ? "-" : module.UsbSerial) +
+            if (note_) note_(Latin1ToTerminal(module.Port) + "  " +
+                             (module.UsbSerial.empty() ? "-" : Latin1ToTerminal(module.UsbSerial)) +
                              "  skipped: programmed before in this run");
         for (const ModuleJob& job : plan.Jobs) {
             if (job.Step == JobStep::Flash && !FirmwareStillThere()) break;
