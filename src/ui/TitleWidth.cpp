@@ -3,6 +3,7 @@
 #include <QBoxLayout>
 #include <QEvent>
 #include <QGridLayout>
+#include <QGuiApplication>
 #include <QScreen>
 #include <QSpacerItem>
 #include <algorithm>
@@ -47,13 +48,22 @@ private:
     QSpacerItem* strut_ = nullptr;  // owned by the layout
 };
 
+// As the window system shows it: Qt puts the program's display name behind
+// a window's own title.
+QString ShownTitle(const QWidget& window) {
+    const QString title = window.windowTitle();
+    const QString program = QGuiApplication::applicationDisplayName();
+    if (program == QCoreApplication::applicationName() || title.endsWith(program)) return title;
+    return title.isEmpty() ? program : title + QStringLiteral(" \u2014 ") + program;
+}
+
 }  // namespace
 
 int TitleMinimumWidth(const QWidget& window) {
     QFont font = window.font();
     font.setBold(true);
     const QFontMetrics metrics(font);
-    const int wanted = metrics.horizontalAdvance(window.windowTitle()) + kBarButtonLines * metrics.lineSpacing();
+    const int wanted = metrics.horizontalAdvance(ShownTitle(window)) + kBarButtonLines * metrics.lineSpacing();
     const QScreen* screen = window.screen();
     return screen ? std::min(wanted, screen->availableGeometry().width()) : wanted;
 }

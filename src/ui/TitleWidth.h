@@ -7,8 +7,9 @@
 // it.
 namespace sb::ui {
 
-// The title in the bold face that title bars use, with room for the bar's
-// icon and buttons; never wider than the window's screen.
+// The title as the window system shows it (with the program's name behind
+// it), in the bold face that title bars use, with room for the bar's icon
+// and buttons; never wider than the window's screen.
 int TitleMinimumWidth(const QWidget& window);
 
 // Holds a window's layout at least TitleMinimumWidth wide, whenever its title
