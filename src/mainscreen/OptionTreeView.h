@@ -17,8 +17,10 @@ namespace sb::ui {
 //
 // The keys that the tree's events take (Return, F2, Space, printable text)
 // go to onKey, with the key's text and time stamp, instead of the control's
-// own handling, which would turn a box with no MouseUp behind it; the others
-// keep the control's meaning.
+// own handling, which would turn a box with no MouseUp behind it, and whose
+// type-ahead would match the start of any row's text (an entry of an
+// expanded list, a configuration's name) rather than an option's name; the
+// other keys keep the control's meaning.
 class OptionTreeView final : public QTreeWidget {
     Q_OBJECT
 public:
