@@ -182,7 +182,7 @@ void TreeEvents::ApplyMember(const OptionRef& ref, TreeNode& optionNode, TreeNod
 }
 
 bool TreeEvents::KeyPress(TreeKey key, const std::string& text, int64_t atMs) {
-    if (key == TreeKey::Space && typeAhead_.Typing(atMs)) key = TreeKey::Text;
+    if ((key == TreeKey::Space || key == TreeKey::Sign) && typeAhead_.Typing(atMs)) key = TreeKey::Text;
     if (key != TreeKey::Text) typeAhead_.Reset();
     switch (key) {
         case TreeKey::Return:
@@ -196,6 +196,7 @@ bool TreeEvents::KeyPress(TreeKey key, const std::string& text, int64_t atMs) {
             typeAhead_.Type(text, atMs);
             RunSilently([this] { GoToTypedOption(); });
             return true;
+        case TreeKey::Sign:
         case TreeKey::Other:
             break;
     }

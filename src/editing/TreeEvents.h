@@ -8,8 +8,10 @@
 
 namespace sb {
 
-// The keys that the option tree takes; Text is a printable key.
-enum class TreeKey { Return, F2, Space, Text, Other };
+// The keys that the option tree takes. Sign is +, - or *, which expand and
+// collapse nodes unless they are part of a name being typed; Text is any
+// other printable key.
+enum class TreeKey { Return, F2, Space, Sign, Text, Other };
 
 // What the technician does in the option tree: a double click on an option
 // opens its value edit form; a click on a check box is noted by NodeCheck and
@@ -32,7 +34,8 @@ public:
     // The keyboard's road, with the key's text and time stamp: Return and F2
     // do what a double click does; Space what a click on the selected node's
     // box does, there and then, so nothing is left pending for a later
-    // MouseUp; while a name is being typed a blank belongs to it. Text goes
+    // MouseUp; while a name is being typed a blank or a sign belongs to it,
+    // else a sign is not the tree's. Text goes
     // to the next shown option whose name begins with what was typed. False
     // for a key that is not the tree's.
     bool KeyPress(TreeKey key, const std::string& text, int64_t atMs);

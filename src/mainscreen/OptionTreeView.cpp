@@ -17,6 +17,10 @@ TreeKey KeyOf(const QKeyEvent& event) {
             return TreeKey::F2;
         case Qt::Key_Space:
             return TreeKey::Space;
+        case Qt::Key_Plus:
+        case Qt::Key_Minus:
+        case Qt::Key_Asterisk:
+            return TreeKey::Sign;
         default:
             break;
     }

@@ -49,8 +49,8 @@ struct Forms final : ValueEditors {
 // gestures, each a letter and a node ("root", "2" for option 2, "2.1" for its
 // value 1): c a click on the box, k the box turned by the tree control's own
 // key, s a click on the text, d a double click; and keys at a time in ms
-// ("S2.1@100"): R Return, F F2, S Space, t and its text a printable key
-// ("tl@0", a blank as "_"). A gesture without a node acts on the selection.
+// ("S2.1@100"): R Return, F F2, S Space, - the minus sign, t and its text a
+// printable key ("tl@0"). A gesture without a node acts on the selection.
 // Afterwards the image, the forms opened, the selection and the boxes
 // ("2.2+ 2.1-": ticked and bold, or neither) are as the case says.
 struct Gestures {
@@ -85,9 +85,8 @@ struct Gestures {
     }
 
     void Key(char letter, std::string rest, int64_t at) {
-        if (letter == 't') {
-            for (char& c : rest) c = c == '_' ? ' ' : c;
-            events.KeyPress(TreeKey::Text, rest, at);
+        if (letter == 't' || letter == '-') {
+            events.KeyPress(letter == 't' ? TreeKey::Text : TreeKey::Sign, letter == 't' ? rest : "-", at);
             return;
         }
         if (!rest.empty()) tree.selected = Node(rest);
