@@ -1,8 +1,7 @@
 // The editor from the keyboard: Open, Save and closing on their usual keys,
 // and the option tree's own keys.
-#include <QMenuBar>
-
 #include "mainscreen/frmDeviceCofigurator.h"
+#include "ui/Guarded.h"
 #include "ui/Named.h"
 
 namespace sb::ui {
@@ -14,10 +13,10 @@ void frmDeviceCofigurator::AddEditorKeys() {
     mnuExit = Named(mnuFile->addAction(QStringLiteral("Quit")), "mnuExit");
     mnuExit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     // The close box's road: a running action winds down first.
-    connect(mnuExit, &QAction::triggered, this, [this] { close(); });
+    connect(mnuExit, &QAction::triggered, this, Guarded([this] { close(); }));
     // A key reaches an action only while it is enabled, not only when the
     // menu has been opened.
-    connect(txtCfgEdited, &QPlainTextEdit::textChanged, this, [this] { UpdateConfigFileMenu(); });
+    connect(txtCfgEdited, &QPlainTextEdit::textChanged, this, Guarded([this] { UpdateConfigFileMenu(); }));
 
     lblSavedTo = Named(new QLabel(StatusBar), "lblSavedTo");
     StatusBar->addPermanentWidget(lblSavedTo);
@@ -25,7 +24,7 @@ void frmDeviceCofigurator::AddEditorKeys() {
     tvOptions->onKey = [this](TreeKey key, const std::string& text, int64_t atMs) {
         try {
             return tvOptions_KeyDown(key, text, atMs);
-        } catch (const std::exception&) {
+        } catch (...) {
             return true;  // tree events end silently
         }
     };
