@@ -13,6 +13,11 @@ set(SB_PACKAGING ${PROJECT_SOURCE_DIR}/packaging)
 install(FILES data/SampleCatalog.xml data/SampleModule.profile DESTINATION ${SB_DATADIR})
 install(FILES ${SB_PACKAGING}/70-servicebay.rules DESTINATION lib/udev/rules.d)
 install(FILES ${SB_PACKAGING}/servicebay.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+# The type of our configuration files; shared-mime-info's dpkg trigger on
+# this folder runs update-mime-database, desktop-file-utils' the desktop
+# database for the entry's MimeType.
+install(FILES ${SB_PACKAGING}/servicebay-mime.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages
+        RENAME servicebay.xml)
 install(FILES ${SB_PACKAGING}/servicebay.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 configure_file(${SB_PACKAGING}/servicebay.metainfo.xml.in ${CMAKE_BINARY_DIR}/org.example.servicebay.metainfo.xml @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/org.example.servicebay.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)

@@ -26,6 +26,8 @@ int main(int argc, char** argv) {
     QCommandLineOption demo(QStringLiteral("demo-screenshots"), QString(), QStringLiteral("FOLDER"));
     demo.setFlags(QCommandLineOption::HiddenFromHelp);
     options.addOption(demo);
+    options.addPositionalArgument(QStringLiteral("file"), QStringLiteral("A configuration file (*.sbconf) to open"),
+                                  QStringLiteral("[file]"));
     options.process(app);
     // The program ends with the unload of the main screen, which may wait
     // for a running action first.
@@ -42,6 +44,9 @@ int main(int argc, char** argv) {
         QObject::connect(&form, &sb::ui::frmDeviceCofigurator::unloaded, &app, &QCoreApplication::quit,
                          Qt::QueuedConnection);
         form.show();
+        // As File → Open does; the desktop hands a double-clicked file over so.
+        if (const QStringList files = options.positionalArguments(); !files.isEmpty())
+            form.OpenConfigFile(files.first().toStdString());
 
         if (options.isSet(demo))
             status = sb::ui::TakeDemoScreenshots(form, options.value(demo));

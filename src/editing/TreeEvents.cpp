@@ -2,10 +2,12 @@
 
 #include <stdexcept>
 
+#include "config/Catalog.h"
 #include "config/ConfigTool.h"
 #include "editing/NodeKeys.h"
 #include "editing/OptionEdits.h"
 #include "helpers/BitMasks.h"
+#include "helpers/HexText.h"
 
 namespace sb {
 
@@ -30,8 +32,9 @@ const Item& At(const std::vector<Item>& items, int32_t index) {
 
 }  // namespace
 
-TreeEvents::TreeEvents(DeviceInfo& device, EditTree& tree, ValueEditors& editors, std::function<void()> showImage)
-    : device_(device), tree_(tree), editors_(editors), showImage_(std::move(showImage)) {}
+TreeEvents::TreeEvents(DeviceInfo& device, EditTree& tree, ValueEditors& editors, std::function<void()> showImage,
+                       int64_t typingPauseMs)
+    : device_(device), tree_(tree), editors_(editors), showImage_(std::move(showImage)), typeAhead_(typingPauseMs) {}
 
 void TreeEvents::RunSilently(const std::function<void()>& event) {
     try {
@@ -176,6 +179,58 @@ void TreeEvents::ApplyMember(const OptionRef& ref, TreeNode& optionNode, TreeNod
         child.SetChecked(on);
         child.SetBold(on);
     });
+}
+
+bool TreeEvents::KeyPress(TreeKey key, const std::string& text, int64_t atMs) {
+    if ((key == TreeKey::Space || key == TreeKey::Sign) && typeAhead_.Typing(atMs)) key = TreeKey::Text;
+    if (key != TreeKey::Text) typeAhead_.Reset();
+    switch (key) {
+        case TreeKey::Return:
+        case TreeKey::F2:
+            DblClick();
+            return true;
+        case TreeKey::Space:
+            ClickBoxByKey();
+            return true;
+        case TreeKey::Text:
+            typeAhead_.Type(text, atMs);
+            RunSilently([this] { GoToTypedOption(); });
+            return true;
+        case TreeKey::Sign:
+        case TreeKey::Other:
+            break;
+    }
+    return false;
+}
+
+// A tick by the keyboard has no MouseUp to follow it: it is carried out at
+// once, and whatever a mouse left pending is dropped.
+void TreeEvents::ClickBoxByKey() {
+    nodeCheckPending_ = false;
+    RunSilently([this] {
+        TreeNode& node = Require(tree_.SelectedItem());
+        node.SetChecked(!tree_.CheckedOf(node));
+        MouseUpSteps();
+    });
+}
+
+// Among the options that the tree shows; from a value node, its option is
+// the current one.
+void TreeEvents::GoToTypedOption() {
+    const int32_t cfgIndex = FindPredefCfgById(device_, ImageId(device_.CfgImage));
+    TreeNode& root = Require(tree_.Find("CONFIGURATION" + Uint32ToHex(cfgIndex)));
+    TreeNode* selected = tree_.SelectedItem();
+    if (selected && KindOfKey(tree_.KeyOf(*selected)) == NodeKind::Value) selected = tree_.ParentOf(*selected);
+    std::vector<TreeNode*> shown;
+    std::vector<std::string> names;
+    int current = -1;
+    for (TreeNode* node = root.Child(); node; node = node->Next()) {
+        if (node == selected) current = static_cast<int>(shown.size());
+        shown.push_back(node);
+        names.push_back(At(device_.Options.Items, OptionIndexOfKey(tree_.KeyOf(*node))).Name);
+    }
+    const int found = typeAhead_.Find(names, current);
+    if (found >= 0) tree_.SetSelectedItem(shown[static_cast<size_t>(found)]);
 }
 
 }  // namespace sb

@@ -3,9 +3,15 @@
 
 #include "config/Types.h"
 #include "editing/EditTree.h"
+#include "editing/TypeAhead.h"
 #include "editing/ValueEditors.h"
 
 namespace sb {
+
+// The keys that the option tree takes. Sign is +, - or *, which expand and
+// collapse nodes unless they are part of a name being typed; Text is any
+// other printable key.
+enum class TreeKey { Return, F2, Space, Sign, Text, Other };
 
 // What the technician does in the option tree: a double click on an option
 // opens its value edit form; a click on a check box is noted by NodeCheck and
@@ -18,11 +24,21 @@ namespace sb {
 // ends it at once and silently; what was done so far stays.
 class TreeEvents {
 public:
-    TreeEvents(DeviceInfo& device, EditTree& tree, ValueEditors& editors, std::function<void()> showImage);
+    // typingPauseMs: the longest pause between two keys of one typed name.
+    TreeEvents(DeviceInfo& device, EditTree& tree, ValueEditors& editors, std::function<void()> showImage,
+               int64_t typingPauseMs = 400);
 
     void NodeCheck(TreeNode& node);
     void MouseUp();
     void DblClick();
+    // The keyboard's road, with the key's text and time stamp: Return and F2
+    // do what a double click does; Space what a click on the selected node's
+    // box does, there and then, so nothing is left pending for a later
+    // MouseUp; while a name is being typed a blank or a sign belongs to it,
+    // else a sign is not the tree's. Text goes
+    // to the next shown option whose name begins with what was typed. False
+    // for a key that is not the tree's.
+    bool KeyPress(TreeKey key, const std::string& text, int64_t atMs);
 
     bool NodeCheckPending() const { return nodeCheckPending_; }
 
@@ -32,6 +48,8 @@ private:
     void RunSilently(const std::function<void()>& event);
     void DblClickSteps();
     void MouseUpSteps();
+    void ClickBoxByKey();
+    void GoToTypedOption();
     // Root and option nodes hold no state: their box is emptied, and an
     // option open for editing gets its form when opensForm says so.
     void OnOptionOrRoot(TreeNode& node, const std::function<bool(const OptionRef&)>& opensForm);
@@ -50,6 +68,7 @@ private:
     ValueEditors& editors_;
     std::function<void()> showImage_;
     bool nodeCheckPending_ = false;
+    TypeAhead typeAhead_;
 };
 
 }  // namespace sb

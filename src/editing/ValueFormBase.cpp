@@ -11,12 +11,15 @@
 #include "ui/MessageBox.h"
 #include "ui/Named.h"
 #include "ui/ShowOnly.h"
+#include "ui/TitleWidth.h"
 
 namespace sb::ui {
 
 ValueEditForm::ValueEditForm(const char* name, QWidget* parent) : QDialog(parent) {
     setObjectName(QLatin1String(name));
     setWindowTitle(QStringLiteral("Value edit"));
+    // The caller names the option in the title.
+    KeepTitleWhole(*this);
     cmdOK = Named(new QPushButton(QStringLiteral("OK"), this), "cmdOK");
     cmdCancel = Named(new QPushButton(QStringLiteral("Cancel"), this), "cmdCancel");
     connect(cmdOK, &QPushButton::clicked, this, Guarded([this] { cmdOK_Click(); }));

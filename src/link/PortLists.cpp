@@ -50,6 +50,13 @@ ModuleMode ModeOfPort(const std::string& pnpDeviceId) {
     return ModuleMode::None;
 }
 
+std::string UsbSerialOf(const std::string& pnpDeviceId) {
+    const size_t slash = pnpDeviceId.rfind('\\');
+    // "USB\VID_0483&PID_5740" has no serial: its last backslash is its first.
+    if (slash == std::string::npos || slash == pnpDeviceId.find('\\')) return {};
+    return pnpDeviceId.substr(slash + 1);
+}
+
 std::string PortList::SelectedText() const {
     return Selected >= 0 && Selected < static_cast<int>(Items.size()) ? Items[Selected].Text : std::string();
 }

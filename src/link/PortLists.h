@@ -21,6 +21,10 @@ enum class ModuleMode { Running, Boot, None };
 // By the USB identity in a PNPDeviceID; the running test is made first.
 ModuleMode ModeOfPort(const std::string& pnpDeviceId);
 
+// The serial behind the last backslash of "USB\VID_0483&PID_5740\SERIAL";
+// empty when the identity has none.
+std::string UsbSerialOf(const std::string& pnpDeviceId);
+
 struct PortListItem {
     std::string Text;         // as shown: the port's DeviceID, or "Not Found"
     std::string Port;         // item data: the name to open; empty for "Not Found"

@@ -12,6 +12,7 @@
 #include "ui/MessageBox.h"
 #include "ui/Named.h"
 #include "ui/ShowOnly.h"
+#include "ui/TitleWidth.h"
 
 namespace sb {
 namespace {
@@ -33,6 +34,12 @@ void Fill(QComboBox& box, const PortList& list, std::vector<std::string>& info) 
     }
     box.setCurrentIndex(list.Selected);
     box.setToolTip(TipAt(info, list.Selected));
+}
+
+void ShowSerial(QLabel& label, const PortList& list) {
+    const bool known = list.Selected >= 0 && list.Selected < static_cast<int>(list.Items.size());
+    const std::string serial = known ? UsbSerialOf(list.Items[static_cast<size_t>(list.Selected)].PNPDeviceID) : "";
+    label.setText(serial.empty() ? QString() : QStringLiteral("USB serial ") + Latin1(serial));
 }
 
 std::string SelectedPort(const QComboBox& box) { return Bytes(box.currentData().toString()); }
@@ -69,6 +76,13 @@ void frmPortControl::BuildControls() {
     cmdSelect->setDefault(true);
     cmdCancel = Named(new QPushButton(QStringLiteral("Cancel"), this), "cmdCancel");
     cmdScan = Named(new QPushButton(QStringLiteral("Scan"), this), "cmdScan");
+    for (QLabel** serial : {&lblDevSerial, &lblBootSerial}) {
+        *serial = new QLabel(this);
+        (*serial)->setTextFormat(Qt::PlainText);  // a module's bytes, never markup
+        (*serial)->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("USB serial 0123456789AB")));
+    }
+    Named(lblDevSerial, "lblDevSerial");
+    Named(lblBootSerial, "lblBootSerial");
     StatusBar = Named(new QStatusBar(this), "StatusBar");
     StatusBar->setSizeGripEnabled(false);
     status_ = std::make_unique<ui::StatusBarText>(*StatusBar);
@@ -82,12 +96,13 @@ void frmPortControl::BuildControls() {
         layout->addLayout(line);
     };
     layout->addWidget(Label2);
-    row({cmbUSBDevList, cmdSwitchToBoot});
+    row({cmbUSBDevList, lblDevSerial, cmdSwitchToBoot});
     layout->addWidget(Label1);
-    row({cmbUSBBootList, cmdSwitchToDev});
+    row({cmbUSBBootList, lblBootSerial, cmdSwitchToDev});
     layout->addWidget(txtSelPort);
     row({cmdSelect, cmdCancel, cmdScan});
     layout->addWidget(StatusBar);
+    ui::KeepTitleWhole(*this);
 }
 
 void frmPortControl::ConnectEvents() {
@@ -118,6 +133,8 @@ void frmPortControl::ShowLists() {
     const QSignalBlocker quietBoot(cmbUSBBootList);
     Fill(*cmbUSBDevList, lists_.DevList, DevPortInfo);
     Fill(*cmbUSBBootList, lists_.BootList, BootPortInfo);
+    ShowSerial(*lblDevSerial, lists_.DevList);
+    ShowSerial(*lblBootSerial, lists_.BootList);
     txtSelPort->setText(Latin1(lists_.SelPort));
 }
 
@@ -129,11 +146,13 @@ void frmPortControl::cmbUSBBootList_Click() {
 
 void frmPortControl::cmbUSBBootList_Change() {
     lists_.BootList.Selected = cmbUSBBootList->currentIndex();
+    ShowSerial(*lblBootSerial, lists_.BootList);
     cmbUSBBootList->setToolTip(TipAt(BootPortInfo, cmbUSBBootList->currentIndex()));
 }
 
 void frmPortControl::cmbUSBDevList_Change() {
     lists_.DevList.Selected = cmbUSBDevList->currentIndex();
+    ShowSerial(*lblDevSerial, lists_.DevList);
     cmbUSBDevList->setToolTip(TipAt(DevPortInfo, cmbUSBDevList->currentIndex()));
 }
 

@@ -54,6 +54,10 @@ public:
     QPushButton* cmdSelect;
     QPushButton* cmdCancel;
     QPushButton* cmdScan;
+    // The USB serial of the module of each list's selected port, beside it:
+    // which of several modules a port is.
+    QLabel* lblDevSerial;
+    QLabel* lblBootSerial;
     QStatusBar* StatusBar;
     std::unique_ptr<SerialPort> MSComm1;
 

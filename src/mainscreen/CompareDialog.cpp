@@ -9,6 +9,7 @@
 #include "ui/Guarded.h"
 #include "ui/Latin1.h"
 #include "ui/Named.h"
+#include "ui/TitleWidth.h"
 
 namespace sb::ui {
 namespace {
@@ -39,6 +40,7 @@ frmCompareConfig::frmCompareConfig(const DeviceInfo& thisCatalog, const std::str
     layout->addWidget(chkAllOptions);
     layout->addWidget(buttons);
     resize(640, 400);
+    KeepTitleWhole(*this);  // the title holds a file's path
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(chkAllOptions, &QCheckBox::toggled, this, Guarded([this] { Fill(); }));
     Fill();

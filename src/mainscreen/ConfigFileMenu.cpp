@@ -2,6 +2,8 @@
 // from the history that every read keeps; and the check of a write by
 // reading the configuration back.
 #include <QDialogButtonBox>
+#include <QDir>
+#include <QFileInfo>
 #include <QFileDialog>
 #include <QMenuBar>
 #include <QSettings>
@@ -25,6 +27,7 @@
 #include "ui/MessageBox.h"
 #include "ui/ModalDialog.h"
 #include "ui/Named.h"
+#include "ui/TitleWidth.h"
 
 namespace sb::ui {
 namespace {
@@ -64,6 +67,7 @@ std::string ChooseFromHistory(QWidget* parent, const std::vector<HistoryGroup>& 
     auto* layout = new QVBoxLayout(&dialog);
     layout->addWidget(list);
     layout->addWidget(buttons);
+    KeepTitleWhole(dialog);
     std::string chosen;
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, [&] {
         if (list->currentItem()) chosen = list->currentItem()->data(0, Qt::UserRole).toString().toStdString();
@@ -161,6 +165,9 @@ void frmDeviceCofigurator::mnuSaveConfig_Click() {
     if (path.empty()) return;
     try {
         WriteConfigFile(path, MakeConfigDocument(device_, device_.CfgImage));
+        // Beside the status text of the exchanges, which stays.
+        const QString saved = QFileInfo(QString::fromStdString(path)).absoluteFilePath();
+        lblSavedTo->setText(QStringLiteral("Saved to ") + QDir::toNativeSeparators(saved));
     } catch (const ConfigFileError& e) {
         ShowMessage(e.what());
     }

@@ -2,7 +2,33 @@
 
 #include <QHeaderView>
 
+#include "ui/Latin1.h"
+
 namespace sb::ui {
+namespace {
+
+TreeKey KeyOf(const QKeyEvent& event) {
+    if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return TreeKey::Other;
+    switch (event.key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            return TreeKey::Return;
+        case Qt::Key_F2:
+            return TreeKey::F2;
+        case Qt::Key_Space:
+            return TreeKey::Space;
+        case Qt::Key_Plus:
+        case Qt::Key_Minus:
+        case Qt::Key_Asterisk:
+            return TreeKey::Sign;
+        default:
+            break;
+    }
+    const QString text = event.text();
+    return !text.isEmpty() && text.at(0).isPrint() ? TreeKey::Text : TreeKey::Other;
+}
+
+}  // namespace
 
 OptionTreeView::OptionTreeView(QWidget* parent) : QTreeWidget(parent) {
     setObjectName(QStringLiteral("tvOptions"));
@@ -33,6 +59,17 @@ void OptionTreeView::mouseDoubleClickEvent(QMouseEvent* event) {
     QTreeWidget::mouseDoubleClickEvent(event);
     releaseEndsDoubleClick_ = true;
     emit dblClick();
+}
+
+void OptionTreeView::keyPressEvent(QKeyEvent* event) {
+    const TreeKey key = KeyOf(*event);
+    if (key != TreeKey::Other && onKey) {
+        // The keyboard works on the row under its cursor, which a double
+        // click or a click on a box may have left unselected.
+        if (QTreeWidgetItem* current = currentItem(); current && !current->isSelected()) current->setSelected(true);
+        if (onKey(key, Bytes(event->text()), static_cast<int64_t>(event->timestamp()))) return;
+    }
+    QTreeWidget::keyPressEvent(event);
 }
 
 bool OptionTreeView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) {

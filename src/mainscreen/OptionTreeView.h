@@ -1,6 +1,10 @@
 #pragma once
 #include <QMouseEvent>
 #include <QTreeWidget>
+#include <functional>
+#include <string>
+
+#include "editing/TreeEvents.h"
 
 namespace sb::ui {
 
@@ -10,10 +14,20 @@ namespace sb::ui {
 // on a check box has changed the box before MouseUp is raised. The release
 // that ends a double click leaves the box alone: only the first click of it
 // turns the box.
+//
+// The keys that the tree's events take (Return, F2, Space, printable text)
+// go to onKey, with the key's text and time stamp, instead of the control's
+// own handling, which would turn a box with no MouseUp behind it, and whose
+// type-ahead would match the start of any row's text (an entry of an
+// expanded list, a configuration's name) rather than an option's name; the
+// other keys keep the control's meaning.
 class OptionTreeView final : public QTreeWidget {
     Q_OBJECT
 public:
     explicit OptionTreeView(QWidget* parent = nullptr);
+
+    // True when the key was taken.
+    std::function<bool(TreeKey key, const std::string& text, int64_t atMs)> onKey;
 
 signals:
     void mouseUp();
@@ -24,6 +38,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
 
 private:

@@ -1,5 +1,6 @@
 #include "mainscreen/frmDeviceCofigurator.h"
 
+#include <QApplication>
 #include <QFileInfo>
 #include <QFontDatabase>
 #include <QGridLayout>
@@ -128,7 +129,9 @@ void frmDeviceCofigurator::BuildControls() {
 
     tree_ = std::make_unique<QtOptionTree>(*tvOptions);
     events_ = std::make_unique<TreeEvents>(device_, *tree_, editForms_,
-                                           [this] { SetCfgEdited(BytesToHex(device_.CfgImage)); });
+                                           [this] { SetCfgEdited(BytesToHex(device_.CfgImage)); },
+                                           QApplication::keyboardInputInterval());
+    AddEditorKeys();
 }
 
 // The file's name ahead of the caption, as desktops show a document.

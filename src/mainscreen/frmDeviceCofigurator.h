@@ -121,6 +121,15 @@ public:
     void mnuCompareFile_Click();
     void mnuRestoreHistory_Click();
 
+    // File → Open's road, also for the file given at the program's start: a
+    // file that cannot be taken says why and leaves the screen as it was.
+    void OpenConfigFile(const std::string& path);
+
+    // Keys of the editor (EditorKeys.cpp): Ctrl+O, Ctrl+S, Ctrl+Q, and the
+    // tree's keys; the bar's part that names where the last save went.
+    QAction* mnuExit = nullptr;
+    QLabel* lblSavedTo = nullptr;
+
     // The text of txtCfgEdited as the program set it; the box shows it in
     // rows of 32 bytes.
     const std::string& CfgEditedText() const { return cfgEditedText_; }
@@ -194,7 +203,10 @@ private:
     // Configuration files (ConfigFileMenu.cpp).
     void AddConfigFileMenus();
     void UpdateConfigFileMenu();
-    void OpenConfigFile(const std::string& path);
+    void AddEditorKeys();
+    // A key in the tree; the keyboard keeps its place where the event clears
+    // the selection.
+    bool tvOptions_KeyDown(TreeKey key, const std::string& text, int64_t atMs);
     void CompareWith(const DeviceInfo& other, const std::string& otherImage, const std::string& otherName);
     // A read whose answers make a configuration keeps it in the history; a
     // history that cannot be written only says so in the status bar.

@@ -4,13 +4,6 @@
 
 namespace sb {
 
-std::string UsbSerialOf(const std::string& pnpDeviceId) {
-    const size_t slash = pnpDeviceId.rfind('\\');
-    // "USB\VID_0483&PID_5740" has no serial: its last backslash is its first.
-    if (slash == std::string::npos || slash == pnpDeviceId.find('\\')) return {};
-    return pnpDeviceId.substr(slash + 1);
-}
-
 std::vector<ListedModule> ListModules(PortInventory& inventory) {
     std::vector<ListedModule> listing;
     try {

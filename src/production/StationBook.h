@@ -25,10 +25,6 @@ struct ListedModule {
     ModuleMode Mode = ModuleMode::None;
 };
 
-// The serial behind the last backslash of "USB\VID_0483&PID_5740\SERIAL";
-// empty when the identity has none.
-std::string UsbSerialOf(const std::string& pnpDeviceId);
-
 // The modules among the inventory's ports, in its order; other ports are
 // left out. A failing inventory gives what it had found until then.
 std::vector<ListedModule> ListModules(PortInventory& inventory);

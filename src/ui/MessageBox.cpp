@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QMessageBox>
 
+#include "ui/TitleWidth.h"
+
 namespace sb::ui {
 namespace {
 MessageHandler handler;
@@ -14,6 +16,7 @@ MessageAnswer ShowMessage(const std::string& text, MessageButtons buttons) {
                     QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size())),
                     buttons == MessageButtons::OkCancel ? QMessageBox::Ok | QMessageBox::Cancel
                                                         : QMessageBox::Ok);
+    KeepTitleWhole(box);
     return box.exec() == QMessageBox::Ok ? MessageAnswer::Ok : MessageAnswer::Cancel;
 }
 

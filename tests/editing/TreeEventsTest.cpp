@@ -47,8 +47,10 @@ struct Forms final : ValueEditors {
 // One case of tree-gestures.json: the catalog's configuration cfg (0
 // "Module", 2 "Car") with the DisabledMask disabled for "Module", and the
 // gestures, each a letter and a node ("root", "2" for option 2, "2.1" for its
-// value 1): c a click on the box, k the box turned by the keyboard, s a click
-// on the text, d a double click (on the selection when no node is named).
+// value 1): c a click on the box, k the box turned by the tree control's own
+// key, s a click on the text, d a double click; and keys at a time in ms
+// ("S2.1@100"): R Return, F F2, S Space, - the minus sign, t and its text a
+// printable key ("tl@0"). A gesture without a node acts on the selection.
 // Afterwards the image, the forms opened, the selection and the boxes
 // ("2.2+ 2.1-": ticked and bold, or neither) are as the case says.
 struct Gestures {
@@ -65,6 +67,11 @@ struct Gestures {
     void Play(S gestures) {
         std::istringstream words(gestures);
         for (std::string word; words >> word;) {
+            const size_t at = word.find('@');
+            if (at != std::string::npos) {
+                Key(word[0], word.substr(1, at - 1), std::stoll(word.substr(at + 1)));
+                continue;
+            }
             TreeNode* node = word.size() > 1 ? Node(word.substr(1)) : tree.selected;
             if (word[0] == 'c' || word[0] == 'k') {
                 TestTree::Of(*node).SetChecked(!tree.CheckedOf(*node));
@@ -75,6 +82,16 @@ struct Gestures {
             if (word[0] == 'd') events.DblClick();
             if (word[0] != 'k') events.MouseUp();
         }
+    }
+
+    void Key(char letter, std::string rest, int64_t at) {
+        if (letter == 't' || letter == '-') {
+            events.KeyPress(letter == 't' ? TreeKey::Text : TreeKey::Sign, letter == 't' ? rest : "-", at);
+            return;
+        }
+        if (!rest.empty()) tree.selected = Node(rest);
+        const TreeKey key = letter == 'R' ? TreeKey::Return : letter == 'F' ? TreeKey::F2 : TreeKey::Space;
+        events.KeyPress(key, letter == 'S' ? " " : "", at);
     }
 
     TreeNode* Node(S name) {

@@ -53,6 +53,8 @@ TEST_F(PortControl, ShowsTheScanAndItsFailureAndHandsOutThePickedBootPort) {
     form.cmbUSBBootList->setCurrentIndex(1);
     emit form.cmbUSBBootList->activated(1);
     EXPECT_EQ(form.cmbUSBBootList->toolTip() + " " + form.txtSelPort->text(), "Boot B /dev/pts/7");
+    // Each list's module by its USB serial, beside the port.
+    EXPECT_TRUE(form.lblDevSerial->text().endsWith(" B1") && form.lblBootSerial->text().endsWith(" B2"));
     EXPECT_EQ(Choose([&form] {
                   form.cmdScan->click();
                   form.cmdSelect->click();
