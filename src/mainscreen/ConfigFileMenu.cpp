@@ -151,8 +151,10 @@ void frmDeviceCofigurator::OpenConfigFile(const std::string& path) {
     ApplyIdentity(config->Document.Module, local);
     local.AppConfig = config->Document.Image;
     local.InfoFile = config->Document.InfoFile;
+    NoteRecordReplaced();
     ClearForOfflineRecord();
     TakeOfflineRecord(local, path);
+    EndRecordReplaced();
 }
 
 void frmDeviceCofigurator::mnuSaveConfig_Click() {

@@ -52,10 +52,12 @@ void frmDeviceCofigurator::cmdSelPredefCfg_Click() {
 }
 
 void frmDeviceCofigurator::SetCfgEdited(const std::string& text) {
-    if (text == cfgEditedText_) return;
-    cfgEditedText_ = text;
-    txtCfgEdited->setPlainText(InRows(text));
-    txtCfgEdited_Change();
+    if (text != cfgEditedText_) {
+        cfgEditedText_ = text;
+        txtCfgEdited->setPlainText(InRows(text));
+        txtCfgEdited_Change();
+    }
+    NoteImageStep();
 }
 
 void frmDeviceCofigurator::txtCfgEdited_Change() {

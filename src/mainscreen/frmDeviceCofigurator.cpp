@@ -117,6 +117,7 @@ void frmDeviceCofigurator::BuildControls() {
     mnuTools->addSeparator();
     mnuOfflineRead = Named(mnuTools->addAction(QStringLiteral("Read info from ConfigOptions.xml")), "mnuOfflineRead");
     AddConfigFileMenus();
+    AddEditMenu();
     AddHelpMenu(*this);
 
     StatusBar = Named(statusBar(), "StatusBar");

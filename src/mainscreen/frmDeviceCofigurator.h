@@ -9,6 +9,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QStatusBar>
+#include <QUndoStack>
 #include <memory>
 #include <string>
 
@@ -74,6 +75,10 @@ public:
     QAction* mnuCompareFile = nullptr;
     QAction* mnuRestoreHistory = nullptr;
     QAction* mnuVerifyWrite = nullptr;  // in Tools; remembered in the user's settings
+    // Edit: undo and redo of the working image (EditHistory.cpp).
+    QMenu* mnuEdit = nullptr;
+    QAction* mnuUndo = nullptr;
+    QAction* mnuRedo = nullptr;
 
     // "Module info".
     QGroupBox* Frame6;
@@ -124,6 +129,8 @@ public:
     // The text of txtCfgEdited as the program set it; the box shows it in
     // rows of 32 bytes.
     const std::string& CfgEditedText() const { return cfgEditedText_; }
+    // The steps of the working image since the last read.
+    QUndoStack& EditHistory() { return *undoStack_; }
 
 signals:
     // The main screen and the program's other forms are unloaded: the
@@ -202,6 +209,30 @@ private:
     // Behind an "OK" to SETAPPCFG, with verify on: why the module does not
     // hold what was sent, read back on the open port; empty when it does.
     std::string WriteNotVerified(const std::string& sentHex);
+
+    // Undo and redo (EditHistory.cpp). Every change of CfgImage passes
+    // through SetCfgEdited, which notes it as one step; a step that also
+    // replaced the record (an opened file, a restore) holds the record too.
+    struct ShownRecord;
+    class ImageStep;
+    enum class RecordChange { None, NewHistory, Replaced };
+    void AddEditMenu();
+    void StartNewHistory();
+    void NoteRecordReplaced();
+    void EndRecordReplaced();
+    void NoteImageStep();
+    std::shared_ptr<const ShownRecord> CurrentRecord() const;
+    void ApplyStep(const std::string& image, const std::shared_ptr<const ShownRecord>& record);
+    void ShowRecord(const ShownRecord& record);
+    void ShowCatalog(const DeviceInfo& local);
+
+    QUndoStack* undoStack_ = nullptr;
+    RecordChange recordChange_ = RecordChange::None;
+    std::shared_ptr<const ShownRecord> stepRecord_;  // the record as of the last step
+    std::string stepImage_;                          // the image as of the last step
+    bool applyingStep_ = false;
+    std::string shownFile_;
+    bool shownWithAppInfo_ = false;
 
     std::string configOptionsPath_;
     DeviceInfo device_;

@@ -132,6 +132,36 @@ TEST_F(OptionEditing, ListShowsTheChoiceAndSelectAppliesItTypingANameNothing) {
     EXPECT_EQ(form.CfgEditedText(), "0500000000000000");
 }
 
+TEST_F(OptionEditing, UndoTakesBackEachChangeOfTheImageAndAReadStartsAfresh) {
+    screen.ClickBox("OPTION00000002_VALUE00000000");  // Off
+    const QString edited = form.CfgEditedText().c_str();
+    form.cmbConfigList->setCurrentIndex(2);
+    form.cmdSelPredefCfg->click();
+    std::string chosen = folder.File("module.sbconf");
+    ui::SetConfigFileChooser([&](ui::ConfigFileChoice) { return chosen; });
+    DeviceInfo module;
+    module.InfoFile = TestCatalog();
+    module.SN = "SN7";
+    WriteConfigFile(chosen, MakeConfigDocument(module, HexToBytes("000000000F22415A")));
+    form.mnuOpenConfig->trigger();
+    ui::SetConfigFileChooser({});
+
+    form.mnuUndo->trigger();  // the file: the offline run's module is back
+    EXPECT_EQ(form.txtSN->text(), "XXXXXXXX");
+    form.mnuUndo->trigger();  // "Select"
+    EXPECT_EQ(form.CfgEditedText().c_str(), edited);
+    EXPECT_FALSE(screen.On("OPTION00000002_VALUE00000001"));
+    form.mnuUndo->trigger();  // the box
+    EXPECT_EQ(form.CfgEditedText(), kModuleImage);
+    EXPECT_EQ(screen.Item("OPTION00000002")->text(0), "Mode:On");
+    EXPECT_FALSE(form.mnuUndo->isEnabled());
+    form.mnuRedo->trigger();
+    EXPECT_EQ(form.CfgEditedText().c_str(), edited);
+    form.Command1->click();
+    EXPECT_FALSE(form.mnuRedo->isEnabled());
+    EXPECT_TRUE(messages.texts.empty());
+}
+
 TEST_F(MainScreen, OverlongEntriesAreRefusedAndEveryByteOfAStringSurvives) {
     ui::ValueEditForms& forms = form.EditForms();
     modal.Then([](QDialog& dialog) {
