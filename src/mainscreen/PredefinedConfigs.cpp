@@ -67,7 +67,9 @@ void frmDeviceCofigurator::txtCfgEdited_Change() {
 
 void frmDeviceCofigurator::BuildTreeOrSay() {
     // The tree always shows the image, never the box's text.
-    if (!BuildOptionTree(device_.CfgImage, device_, *tree_)) ShowMessage(kSomethingWrong);
+    const bool built = BuildOptionTree(device_.CfgImage, device_, *tree_);
+    RefreshEditorPanes();
+    if (!built) ShowMessage(kSomethingWrong);
 }
 
 }  // namespace sb::ui

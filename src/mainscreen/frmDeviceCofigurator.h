@@ -1,5 +1,6 @@
 #pragma once
 #include <QAction>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
@@ -79,6 +80,14 @@ public:
     QMenu* mnuEdit = nullptr;
     QAction* mnuUndo = nullptr;
     QAction* mnuRedo = nullptr;
+    // The editor's panes around the tree (EditorPanes.cpp): the search
+    // above it, the details of the option under it, and the changes that a
+    // write would make.
+    QLineEdit* txtSearch = nullptr;
+    QCheckBox* chkOnlyChanged = nullptr;
+    QPlainTextEdit* txtOptionDetails = nullptr;
+    QAction* mnuFind = nullptr;
+    QAction* mnuPendingChanges = nullptr;
 
     // "Module info".
     QGroupBox* Frame6;
@@ -225,6 +234,23 @@ private:
     void ApplyStep(const std::string& image, const std::shared_ptr<const ShownRecord>& record);
     void ShowRecord(const ShownRecord& record);
     void ShowCatalog(const DeviceInfo& local);
+
+    void BuildEditorPanes();
+    void AddEditorMenus();
+    void RefreshEditorPanes();
+    void ShowChangedMarks();
+    void ApplyTreeFilter();
+    void SearchEdited();
+    void SearchEscaped();
+    void SearchReturned();
+    void ShowDetailsOf(QTreeWidgetItem* item);
+    void ShowPendingChanges();
+
+    std::vector<bool> changedOptions_;
+    bool filtering_ = false;  // the tree as it was before the search is kept below
+    std::vector<std::string> expandedBeforeSearch_;
+    std::string selectedBeforeSearch_;
+    int32_t detailsOption_ = -1;
 
     QUndoStack* undoStack_ = nullptr;
     RecordChange recordChange_ = RecordChange::None;
