@@ -16,7 +16,7 @@ std::string ReadImage(const DeviceInfo& device);
 
 // The options whose value in CfgImage differs from the read one, in catalog
 // order; nothing when no image was read. Side A is the read image, side B
-// the working one.
+// the working one; neither tells whether a configuration hides the option.
 ConfigComparison PendingChanges(const DeviceInfo& device);
 
 // One flag a catalog option: whether it is among the pending changes.

@@ -51,15 +51,15 @@ int32_t OptionOfItem(QtOptionTree& tree, QTreeWidgetItem* item) {
     return KindOfKey(key) == NodeKind::Root ? -1 : OptionIndexOfKey(key);
 }
 
-// Calls visit(item, option index) for each option node of the tree.
+// Calls visit(item, option index) for each option node of the tree, along
+// the nodes, which know their keys without asking the items.
 template <class Visit>
 void ForEachOption(QtOptionTree& tree, QTreeWidget& view, Visit visit) {
-    QTreeWidgetItem* root = view.topLevelItem(0);
+    QTreeWidgetItem* rootItem = view.topLevelItem(0);
+    TreeNode* root = rootItem ? tree.NodeOf(rootItem) : nullptr;
     if (!root) return;
-    for (int i = 0; i < root->childCount(); ++i) {
-        QTreeWidgetItem* item = root->child(i);
-        visit(item, OptionOfItem(tree, item));
-    }
+    for (TreeNode* node = root->Child(); node; node = node->Next())
+        visit(tree.ItemOf(*node), OptionIndexOfKey(tree.KeyOf(*node)));
 }
 
 bool Flag(const std::vector<bool>& flags, int32_t index) {
@@ -111,12 +111,16 @@ void frmDeviceCofigurator::RefreshEditorPanes() {
     txtOptionDetails->setPlainText(Latin1(OptionDetails(device_, detailsOption_, cmbConfigList->currentIndex())));
 }
 
+// Only the items that are or were marked are looked at: a rebuilt tree has
+// new items without marks, and the others never had one.
 void frmDeviceCofigurator::ShowChangedMarks() {
-    changedOptions_ = ChangedOptions(device_);
-    const QIcon mark = ChangedMark(tvOptions->palette());
+    const std::vector<bool> before = std::exchange(changedOptions_, ChangedOptions(device_));
+    static const QIcon mark = ChangedMark(tvOptions->palette());  // drawn once: every change comes here
     ForEachOption(*tree_, *tvOptions, [&](QTreeWidgetItem* item, int32_t option) {
         const bool changed = Flag(changedOptions_, option);
-        if (item->data(0, Qt::DecorationRole).isValid() != changed) item->setData(0, Qt::DecorationRole, changed ? QVariant(mark) : QVariant());
+        if (!changed && !Flag(before, option)) return;
+        if (item->data(0, Qt::DecorationRole).isValid() != changed)
+            item->setData(0, Qt::DecorationRole, changed ? QVariant(mark) : QVariant());
     });
 }
 
