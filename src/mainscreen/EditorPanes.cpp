@@ -30,14 +30,14 @@ namespace {
 
 constexpr int kMarkSize = 10;
 
-// A small filled circle in the palette's link colour.
-QIcon ChangedMark(const QPalette& palette) {
+// A small amber dot: a colour that the tree itself never uses.
+QIcon ChangedMark() {
     QPixmap pixmap(kMarkSize, kMarkSize);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(palette.color(QPalette::Link));
+    painter.setBrush(QColor(0xE0, 0x80, 0x00));
     painter.drawEllipse(1, 1, kMarkSize - 2, kMarkSize - 2);
     return QIcon(pixmap);
 }
@@ -51,15 +51,20 @@ int32_t OptionOfItem(QtOptionTree& tree, QTreeWidgetItem* item) {
     return KindOfKey(key) == NodeKind::Root ? -1 : OptionIndexOfKey(key);
 }
 
-// Calls visit(item, option index) for each option node of the tree, along
+// Calls visit(node, option index) for each option node of the tree, along
 // the nodes, which know their keys without asking the items.
 template <class Visit>
-void ForEachOption(QtOptionTree& tree, QTreeWidget& view, Visit visit) {
+void ForEachOptionNode(QtOptionTree& tree, QTreeWidget& view, Visit visit) {
     QTreeWidgetItem* rootItem = view.topLevelItem(0);
     TreeNode* root = rootItem ? tree.NodeOf(rootItem) : nullptr;
     if (!root) return;
-    for (TreeNode* node = root->Child(); node; node = node->Next())
-        visit(tree.ItemOf(*node), OptionIndexOfKey(tree.KeyOf(*node)));
+    for (TreeNode* node = root->Child(); node; node = node->Next()) visit(*node, OptionIndexOfKey(tree.KeyOf(*node)));
+}
+
+// The same with the node's item.
+template <class Visit>
+void ForEachOption(QtOptionTree& tree, QTreeWidget& view, Visit visit) {
+    ForEachOptionNode(tree, view, [&](TreeNode& node, int32_t option) { visit(tree.ItemOf(node), option); });
 }
 
 bool Flag(const std::vector<bool>& flags, int32_t index) {
@@ -74,6 +79,7 @@ void frmDeviceCofigurator::BuildEditorPanes() {
     txtSearch->setPlaceholderText(QStringLiteral("Find option (Ctrl+F)"));
     txtSearch->setClearButtonEnabled(true);
     txtSearch->installEventFilter(this);
+    tvOptions->installEventFilter(this);
     chkOnlyChanged = Named(new QCheckBox(QStringLiteral("Show only changed"), center), "chkOnlyChanged");
     // Until a tree stands there is nothing to find.
     txtSearch->setEnabled(false);
@@ -98,6 +104,8 @@ void frmDeviceCofigurator::AddEditorMenus() {
                 txtSearch->selectAll();
             }));
     connect(mnuPendingChanges, &QAction::triggered, this, Guarded([this] { ShowPendingChanges(); }));
+    // The details name the value in the configuration chosen in the list.
+    connect(cmbConfigList, &QComboBox::activated, this, Guarded([this] { ShowDetails(); }));
 }
 
 // After every build of the tree: the marks, the filter and the details
@@ -108,19 +116,18 @@ void frmDeviceCofigurator::RefreshEditorPanes() {
     chkOnlyChanged->setEnabled(tree);
     ShowChangedMarks();
     if (filtering_ || chkOnlyChanged->isChecked()) ApplyTreeFilter();
-    txtOptionDetails->setPlainText(Latin1(OptionDetails(device_, detailsOption_, cmbConfigList->currentIndex())));
+    ShowDetails();
 }
 
 // Only the items that are or were marked are looked at: a rebuilt tree has
 // new items without marks, and the others never had one.
 void frmDeviceCofigurator::ShowChangedMarks() {
     const std::vector<bool> before = std::exchange(changedOptions_, ChangedOptions(device_));
-    static const QIcon mark = ChangedMark(tvOptions->palette());  // drawn once: every change comes here
-    ForEachOption(*tree_, *tvOptions, [&](QTreeWidgetItem* item, int32_t option) {
+    static const QIcon mark = ChangedMark();  // drawn once: every change comes here
+    ForEachOptionNode(*tree_, *tvOptions, [&](TreeNode& node, int32_t option) {
         const bool changed = Flag(changedOptions_, option);
         if (!changed && !Flag(before, option)) return;
-        if (item->data(0, Qt::DecorationRole).isValid() != changed)
-            item->setData(0, Qt::DecorationRole, changed ? QVariant(mark) : QVariant());
+        if (tree_->HasDecoration(node) != changed) tree_->SetDecoration(node, changed ? mark : QIcon());
     });
 }
 
@@ -177,6 +184,10 @@ void frmDeviceCofigurator::SearchReturned() {
 void frmDeviceCofigurator::ShowDetailsOf(QTreeWidgetItem* item) {
     if (!item) return;
     detailsOption_ = OptionOfItem(*tree_, item);
+    ShowDetails();
+}
+
+void frmDeviceCofigurator::ShowDetails() {
     txtOptionDetails->setPlainText(Latin1(OptionDetails(device_, detailsOption_, cmbConfigList->currentIndex())));
 }
 

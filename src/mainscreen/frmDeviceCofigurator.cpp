@@ -218,8 +218,10 @@ void frmDeviceCofigurator::ConnectEvents() {
 
 bool frmDeviceCofigurator::eventFilter(QObject* watched, QEvent* event) {
     if (watched == cmbConfigList && event->type() == QEvent::FocusOut) QuietStep([this] { cmbConfigList_Validate(); });
-    if (watched == txtSearch && event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+    // Escape in the search field, or in the tree that a search filters,
+    // ends the search.
+    const bool searching = watched == txtSearch || (watched == tvOptions && filtering_);
+    if (searching && event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
         QuietStep([this] { SearchEscaped(); });
         return true;
     }

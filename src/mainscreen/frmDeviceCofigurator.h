@@ -244,6 +244,7 @@ private:
     void SearchEscaped();
     void SearchReturned();
     void ShowDetailsOf(QTreeWidgetItem* item);
+    void ShowDetails();
     void ShowPendingChanges();
 
     std::vector<bool> changedOptions_;

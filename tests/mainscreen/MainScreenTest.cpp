@@ -182,6 +182,7 @@ TEST_F(OptionEditing, SearchHidesOtherOptionsAndEscapePutsTheTreeBack) {
 
 TEST_F(OptionEditing, ChangedOptionsAreMarkedListedAndShownAlone) {
     screen.ClickBox("OPTION00000002_VALUE00000000");  // Off
+    EXPECT_EQ(form.tvOptions->currentItem(), screen.Item("OPTION00000002_VALUE00000000"));  // the mark is no click
     for (const char* key : {"OPTION00000001", "OPTION00000002"})
         EXPECT_EQ(screen.Item(key)->icon(0).isNull(), key[13] == '1') << key;
     EXPECT_THAT(form.txtOptionDetails->toPlainText().toStdString(), ::testing::StartsWith("Name: Mode"));
