@@ -1,7 +1,8 @@
 // Undo and redo of the working image. Every change of CfgImage ends in
 // SetCfgEdited, and that is where a step is noted: a value form's OK, a check
 // box, "Select", an opened file and a restore alike. A step holds the image
-// before and after it; a step that replaced the whole record (an opened file
+// before and after it (each image shared by the two steps it lies between);
+// a step that replaced the whole record (an opened file
 // or a restore brings its own module and catalog) holds the records too, so
 // that undoing it shows the module and the list that went with the image.
 // A read, and the offline run, start a new history.
@@ -29,7 +30,8 @@ struct frmDeviceCofigurator::ShownRecord {
 
 class frmDeviceCofigurator::ImageStep final : public QUndoCommand {
 public:
-    ImageStep(frmDeviceCofigurator& form, std::string before, std::string after,
+    using Image = std::shared_ptr<const std::string>;
+    ImageStep(frmDeviceCofigurator& form, Image before, Image after,
               std::shared_ptr<const ShownRecord> recordBefore, std::shared_ptr<const ShownRecord> recordAfter)
         : form_(form), before_(std::move(before)), after_(std::move(after)), recordBefore_(std::move(recordBefore)),
           recordAfter_(std::move(recordAfter)) {}
@@ -43,8 +45,8 @@ public:
 
 private:
     frmDeviceCofigurator& form_;
-    std::string before_;
-    std::string after_;
+    Image before_;
+    Image after_;
     std::shared_ptr<const ShownRecord> recordBefore_;
     std::shared_ptr<const ShownRecord> recordAfter_;
     bool pushed_ = false;
@@ -101,30 +103,31 @@ void frmDeviceCofigurator::NoteImageStep() {
     if (applyingStep_) return;
     if (change == RecordChange::NewHistory) {
         stepRecord_ = CurrentRecord();
-    } else if (change == RecordChange::Replaced) {
-        auto after = CurrentRecord();
-        undoStack_->push(new ImageStep(*this, stepImage_, device_.CfgImage, stepRecord_, after));
-        stepRecord_ = std::move(after);
-    } else if (device_.CfgImage != stepImage_) {
-        undoStack_->push(new ImageStep(*this, stepImage_, device_.CfgImage, stepRecord_, stepRecord_));
+        stepImage_ = std::make_shared<const std::string>(device_.CfgImage);
+    } else if (change == RecordChange::Replaced || device_.CfgImage != *stepImage_) {
+        auto image = std::make_shared<const std::string>(device_.CfgImage);
+        auto record = change == RecordChange::Replaced ? CurrentRecord() : stepRecord_;
+        undoStack_->push(new ImageStep(*this, stepImage_, image, stepRecord_, record));
+        stepImage_ = std::move(image);
+        stepRecord_ = std::move(record);
     }
-    stepImage_ = device_.CfgImage;
 }
 
 // Runs inside QUndoStack's undo and redo, which run inside a menu's slot:
 // nothing may leave it.
-void frmDeviceCofigurator::ApplyStep(const std::string& image, const std::shared_ptr<const ShownRecord>& record) {
+void frmDeviceCofigurator::ApplyStep(const std::shared_ptr<const std::string>& image,
+                                     const std::shared_ptr<const ShownRecord>& record) {
     applyingStep_ = true;
     QuietStep([&] {
         if (record && record != stepRecord_) {
             ShowRecord(*record);
             stepRecord_ = record;
         }
-        device_.CfgImage = image;
-        SetCfgEdited(BytesToHex(image));
-        cmdWriteConfig->setEnabled(!image.empty());
+        device_.CfgImage = *image;
+        SetCfgEdited(BytesToHex(*image));
+        cmdWriteConfig->setEnabled(!image->empty());
     });
-    stepImage_ = device_.CfgImage;
+    stepImage_ = image;
     applyingStep_ = false;
 }
 

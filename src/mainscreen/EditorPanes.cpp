@@ -12,12 +12,14 @@
 #include <QPainter>
 #include <QTableWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <unordered_set>
 
 #include "editing/NodeKeys.h"
 #include "editing/OptionDetails.h"
 #include "editing/OptionFilter.h"
 #include "editing/PendingChanges.h"
+#include "helpers/HexText.h"
 #include "mainscreen/frmDeviceCofigurator.h"
 #include "ui/Guarded.h"
 #include "ui/Latin1.h"
@@ -51,20 +53,15 @@ int32_t OptionOfItem(QtOptionTree& tree, QTreeWidgetItem* item) {
     return KindOfKey(key) == NodeKind::Root ? -1 : OptionIndexOfKey(key);
 }
 
-// Calls visit(node, option index) for each option node of the tree, along
+// Calls visit(item, option index) for each option node of the tree, along
 // the nodes, which know their keys without asking the items.
 template <class Visit>
-void ForEachOptionNode(QtOptionTree& tree, QTreeWidget& view, Visit visit) {
+void ForEachOption(QtOptionTree& tree, QTreeWidget& view, Visit visit) {
     QTreeWidgetItem* rootItem = view.topLevelItem(0);
     TreeNode* root = rootItem ? tree.NodeOf(rootItem) : nullptr;
     if (!root) return;
-    for (TreeNode* node = root->Child(); node; node = node->Next()) visit(*node, OptionIndexOfKey(tree.KeyOf(*node)));
-}
-
-// The same with the node's item.
-template <class Visit>
-void ForEachOption(QtOptionTree& tree, QTreeWidget& view, Visit visit) {
-    ForEachOptionNode(tree, view, [&](TreeNode& node, int32_t option) { visit(tree.ItemOf(node), option); });
+    for (TreeNode* node = root->Child(); node; node = node->Next())
+        visit(tree.ItemOf(*node), OptionIndexOfKey(tree.KeyOf(*node)));
 }
 
 bool Flag(const std::vector<bool>& flags, int32_t index) {
@@ -119,16 +116,18 @@ void frmDeviceCofigurator::RefreshEditorPanes() {
     ShowDetails();
 }
 
-// Only the items that are or were marked are looked at: a rebuilt tree has
-// new items without marks, and the others never had one.
+// Only the options that are or were marked are looked at: a rebuilt tree
+// has new items without marks, and the others never had one.
 void frmDeviceCofigurator::ShowChangedMarks() {
     const std::vector<bool> before = std::exchange(changedOptions_, ChangedOptions(device_));
     static const QIcon mark = ChangedMark();  // drawn once: every change comes here
-    ForEachOptionNode(*tree_, *tvOptions, [&](TreeNode& node, int32_t option) {
+    for (size_t i = 0; i < std::max(before.size(), changedOptions_.size()); ++i) {
+        const auto option = static_cast<int32_t>(i);
         const bool changed = Flag(changedOptions_, option);
-        if (!changed && !Flag(before, option)) return;
-        if (tree_->HasDecoration(node) != changed) tree_->SetDecoration(node, changed ? mark : QIcon());
-    });
+        if (!changed && !Flag(before, option)) continue;
+        TreeNode* node = tree_->Find("OPTION" + Uint32ToHex(option));
+        if (node && tree_->HasDecoration(*node) != changed) tree_->SetDecoration(*node, changed ? mark : QIcon());
+    }
 }
 
 void frmDeviceCofigurator::ApplyTreeFilter() {

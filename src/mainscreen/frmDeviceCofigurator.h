@@ -231,7 +231,7 @@ private:
     void EndRecordReplaced();
     void NoteImageStep();
     std::shared_ptr<const ShownRecord> CurrentRecord() const;
-    void ApplyStep(const std::string& image, const std::shared_ptr<const ShownRecord>& record);
+    void ApplyStep(const std::shared_ptr<const std::string>& image, const std::shared_ptr<const ShownRecord>& record);
     void ShowRecord(const ShownRecord& record);
     void ShowCatalog(const DeviceInfo& local);
 
@@ -256,7 +256,8 @@ private:
     QUndoStack* undoStack_ = nullptr;
     RecordChange recordChange_ = RecordChange::None;
     std::shared_ptr<const ShownRecord> stepRecord_;  // the record as of the last step
-    std::string stepImage_;                          // the image as of the last step
+    // The image as of the last step, shared with the steps that hold it.
+    std::shared_ptr<const std::string> stepImage_ = std::make_shared<const std::string>();
     bool applyingStep_ = false;
     std::string shownFile_;
     bool shownWithAppInfo_ = false;
