@@ -135,6 +135,9 @@ void frmDeviceCofigurator::ShowRecord(const ShownRecord& record) {
     ClearForOfflineRecord();
     ShowModuleTexts(record.Device, record.WithAppInfo, record.File);
     ShowCatalog(record.Device);
+    // The module of a read is there to be updated; that of a file or of the
+    // offline run is not.
+    cmdFWUpdate->setEnabled(record.File.empty() && record.WithAppInfo);
 }
 
 }  // namespace sb::ui
