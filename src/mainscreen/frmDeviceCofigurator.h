@@ -138,8 +138,6 @@ public:
     // The text of txtCfgEdited as the program set it; the box shows it in
     // rows of 32 bytes.
     const std::string& CfgEditedText() const { return cfgEditedText_; }
-    // The steps of the working image since the last read.
-    QUndoStack& EditHistory() { return *undoStack_; }
 
 signals:
     // The main screen and the program's other forms are unloaded: the
