@@ -186,8 +186,10 @@ void frmDeviceCofigurator::ShowDetailsOf(QTreeWidgetItem* item) {
     ShowDetails();
 }
 
+// Every change comes here: a text that stays is not laid out again.
 void frmDeviceCofigurator::ShowDetails() {
-    txtOptionDetails->setPlainText(Latin1(OptionDetails(device_, detailsOption_, cmbConfigList->currentIndex())));
+    const QString text = Latin1(OptionDetails(device_, detailsOption_, cmbConfigList->currentIndex()));
+    if (text != txtOptionDetails->toPlainText()) txtOptionDetails->setPlainText(text);
 }
 
 void frmDeviceCofigurator::ShowPendingChanges() {
