@@ -54,6 +54,9 @@ TEST(OptionFilter, KeepsOptionsWhoseNameOrShownValueHoldsEveryWord) {
         const std::string search = c["search"];
         EXPECT_EQ(Flagged(device, FilterOptions(device, device.CfgImage, SearchWords(search))), c["passing"]) << search;
     }
+    // Names are Latin-1: its capitals fold too, and the sign that stands among them is none.
+    EXPECT_TRUE(HoldsEveryWord(SearchWords("\xD6L"), "Heiz\xF6l", ""));
+    EXPECT_FALSE(HoldsEveryWord(SearchWords("\xD7"), "\xF7", ""));
 }
 
 TEST(PendingChanges, ListTheOptionsWhoseValueDiffersFromTheReadImage) {
