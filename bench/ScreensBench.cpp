@@ -1,7 +1,7 @@
 // The main screen on the Qt option tree (offscreen): the offline run of a
 // catalog of 5,000 options up to the filled tree, and one click on the check
 // box of a value node with the image, txtCfgEdited and the tree updated in
-// place. Run beside a virtual module (bench/screens_bench.sh does so) also
+// place; a keystroke in the search field; an undo of one change. Run beside a virtual module (bench/screens_bench.sh does so) also
 // "Read info" of the sample catalog up to the filled tree.
 #include <benchmark/benchmark.h>
 
@@ -114,6 +114,61 @@ void CheckBoxClickOnValueNode(benchmark::State& state) {
     state.counters["image bytes"] = static_cast<double>(form.Device().CfgImage.size());
 }
 
+// One keystroke in the search field: the filter over all options and the
+// tree's rows hidden or shown. Two searches in turn, so that each keystroke
+// hides and shows rows.
+void SearchKeystroke(benchmark::State& state) {
+    CatalogFile catalog;
+    sb::ui::frmDeviceCofigurator form(catalog.Path().toStdString());
+    form.show();
+    form.Command1->click();
+    sb::WaitMs(50);
+    const QString searches[] = {QStringLiteral("1"), QStringLiteral("12")};
+    int turn = 0;
+    for (auto _ : state) {
+        const QString& text = searches[turn++ % 2];
+        form.txtSearch->setText(text);
+        emit form.txtSearch->textEdited(text);
+        state.PauseTiming();
+        QApplication::processEvents();
+        state.ResumeTiming();
+    }
+    int shown = 0;
+    const QTreeWidgetItem* root = form.tvOptions->topLevelItem(0);
+    for (int i = 0; root && i < root->childCount(); ++i) shown += root->child(i)->isHidden() ? 0 : 1;
+    state.counters["options shown"] = shown;
+}
+
+// Edit → Undo after a click on a member's box, and Redo in turn: the image
+// set back and the tree updated in place.
+void UndoOfOneChange(benchmark::State& state) {
+    CatalogFile catalog;
+    sb::ui::frmDeviceCofigurator form(catalog.Path().toStdString());
+    form.show();
+    form.Command1->click();
+    sb::TreeNode* member = FreeMember(form);
+    if (!member) {
+        state.SkipWithError("no free bit-field member");
+        return;
+    }
+    QTreeWidgetItem* item = form.Tree().ItemOf(*member);
+    item->setCheckState(0, item->checkState(0) == Qt::Checked ? Qt::Unchecked : Qt::Checked);
+    emit form.tvOptions->mouseUp();
+    sb::WaitMs(50);
+    bool undo = true;
+    std::string before = form.CfgEditedText();
+    for (auto _ : state) {
+        (undo ? form.mnuUndo : form.mnuRedo)->trigger();
+        undo = !undo;
+        if (form.CfgEditedText() == before) state.SkipWithError("the step changed nothing");
+        before = form.CfgEditedText();
+        state.PauseTiming();
+        QApplication::processEvents();
+        state.ResumeTiming();
+    }
+    state.counters["image bytes"] = static_cast<double>(form.Device().CfgImage.size());
+}
+
 void ReadInfoToFilledTree(benchmark::State& state) {
     if (qEnvironmentVariableIsEmpty("SERVICEBAY_MODULE_PORT")) {
         state.SkipWithError("no virtual module: run under scripts/with-module.sh");
@@ -136,6 +191,8 @@ void ReadInfoToFilledTree(benchmark::State& state) {
 
 BENCHMARK(OfflineRunToFilledTree)->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK(CheckBoxClickOnValueNode)->Unit(benchmark::kMillisecond)->Iterations(50);
+BENCHMARK(SearchKeystroke)->Unit(benchmark::kMillisecond)->Iterations(50);
+BENCHMARK(UndoOfOneChange)->Unit(benchmark::kMillisecond)->Iterations(50);
 BENCHMARK(ReadInfoToFilledTree)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 int main(int argc, char** argv) {

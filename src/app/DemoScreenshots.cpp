@@ -111,6 +111,15 @@ void CompareDemoConfiguration(frmDeviceCofigurator& form) {
     form.mnuCompareReaded->trigger();
 }
 
+// The options that the chosen configuration changed, alone and marked,
+// with the details of the first of them; then the whole tree again.
+void ShowDemoChanges(Camera& camera, frmDeviceCofigurator& form) {
+    form.chkOnlyChanged->setChecked(true);
+    emit form.txtSearch->returnPressed();
+    camera.Take(form, QStringLiteral("main-changed"));
+    form.chkOnlyChanged->setChecked(false);
+}
+
 }  // namespace
 
 int TakeDemoScreenshots(frmDeviceCofigurator& form, const QString& folder) {
@@ -134,6 +143,7 @@ int TakeDemoScreenshots(frmDeviceCofigurator& form, const QString& folder) {
     form.cmdWriteConfig->click();
     DownloadDemoFirmware(camera, form);
     CompareDemoConfiguration(form);
+    ShowDemoChanges(camera, form);
     form.mnuOfflineRead->trigger();
     form.tvOptions->expandAll();
     camera.Take(form, QStringLiteral("main-offline"));

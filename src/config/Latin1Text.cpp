@@ -92,4 +92,10 @@ bool IsUtf8(std::string_view text) {
     return true;
 }
 
+char Latin1Lower(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool capital = (byte >= 'A' && byte <= 'Z') || (byte >= 0xC0 && byte <= 0xDE && byte != 0xD7);
+    return capital ? static_cast<char>(byte + 0x20) : c;
+}
+
 }  // namespace sb

@@ -18,6 +18,10 @@ std::string Latin1ToTerminal(std::string_view bytes);
 // broken sequence, becomes "?".
 std::string Utf8ToLatin1(std::string_view text);
 
+// The small letter of a Latin-1 capital (A-Z and À-Þ but ×); any other
+// byte as it is. Searches by name go through it, so that "ä" finds "Ä".
+char Latin1Lower(char c);
+
 // Whether the text is made of whole UTF-8 sequences.
 bool IsUtf8(std::string_view text);
 

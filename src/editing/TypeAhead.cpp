@@ -1,20 +1,14 @@
 #include "editing/TypeAhead.h"
 
+#include "config/Latin1Text.h"
+
 namespace sb {
 namespace {
-
-// Latin-1 letters in lower case: A-Z and the accented capitals, but for the
-// multiplication sign between them.
-unsigned char Lower(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    const bool capital = (byte >= 'A' && byte <= 'Z') || (byte >= 0xC0 && byte <= 0xDE && byte != 0xD7);
-    return capital ? static_cast<unsigned char>(byte + 0x20) : byte;
-}
 
 bool BeginsWith(const std::string& name, const std::string& typed) {
     if (name.size() < typed.size()) return false;
     for (size_t i = 0; i < typed.size(); ++i)
-        if (Lower(name[i]) != Lower(typed[i])) return false;
+        if (Latin1Lower(name[i]) != Latin1Lower(typed[i])) return false;
     return true;
 }
 

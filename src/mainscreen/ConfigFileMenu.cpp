@@ -13,6 +13,7 @@
 
 #include "configfiles/ConfigFile.h"
 #include "configfiles/ConfigHistory.h"
+#include "configfiles/HistoryReads.h"
 #include "configfiles/WriteChecks.h"
 #include "helpers/HexText.h"
 #include "helpers/TrimBlanks.h"
@@ -56,13 +57,20 @@ std::string ChooseFromHistory(QWidget* parent, const std::vector<HistoryGroup>& 
     dialog.setObjectName(QStringLiteral("frmConfigHistory"));
     dialog.setWindowTitle(QStringLiteral("Restore from history"));
     auto* list = Named(new QTreeWidget(&dialog), "tvHistory");
-    list->setHeaderLabels({QStringLiteral("Serial number / read at (UTC)")});
+    list->setHeaderLabels({QStringLiteral("Serial number / read at (UTC)"), QStringLiteral("Configuration"),
+                           QStringLiteral("Options changed since the read before")});
     for (const HistoryGroup& group : groups) {
         auto* sn = new QTreeWidgetItem(list, {Latin1(group.SN)});
-        for (const HistoryFile& file : group.Files)
-            (new QTreeWidgetItem(sn, {Latin1(file.Stamp)}))->setData(0, Qt::UserRole, QString::fromStdString(file.Path));
+        for (const HistoryRead& read : DescribeHistory(group)) {
+            const QString differing = read.Differing < 0 ? QString() : QString::number(read.Differing);
+            auto* item = new QTreeWidgetItem(sn, {Latin1(read.File.Stamp), Latin1(read.Name), differing});
+            item->setData(0, Qt::UserRole, QString::fromStdString(read.File.Path));
+        }
         sn->setExpanded(true);
     }
+    list->resizeColumnToContents(0);
+    list->resizeColumnToContents(1);
+    dialog.resize(720, 420);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Open | QDialogButtonBox::Cancel, &dialog);
     auto* layout = new QVBoxLayout(&dialog);
     layout->addWidget(list);
@@ -155,8 +163,10 @@ void frmDeviceCofigurator::OpenConfigFile(const std::string& path) {
     ApplyIdentity(config->Document.Module, local);
     local.AppConfig = config->Document.Image;
     local.InfoFile = config->Document.InfoFile;
+    NoteRecordReplaced();
     ClearForOfflineRecord();
     TakeOfflineRecord(local, path);
+    EndRecordReplaced();
 }
 
 void frmDeviceCofigurator::mnuSaveConfig_Click() {

@@ -26,6 +26,7 @@ DeviceInfo Placeholders() {
 }  // namespace
 
 void frmDeviceCofigurator::Command1_Click() {
+    StartNewHistory();
     ClearForOfflineRecord();
     DeviceInfo local = Placeholders();
     const CatalogFile file = LoadCatalogFile(configOptionsPath_);

@@ -1,6 +1,7 @@
 #include "mainscreen/OptionTreeView.h"
 
 #include <QHeaderView>
+#include <QStyledItemDelegate>
 
 #include "ui/Latin1.h"
 
@@ -28,6 +29,22 @@ TreeKey KeyOf(const QKeyEvent& event) {
     return !text.isEmpty() && text.at(0).isPrint() ? TreeKey::Text : TreeKey::Other;
 }
 
+constexpr int kMarkSize = 10;  // the marks beside option texts are this small
+
+// Every option row keeps the room of a decoration, so that the texts of the
+// options that carry a mark and of those that don't stand in one column.
+class OptionRowDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        const bool optionRow = index.parent().isValid() && !index.parent().parent().isValid();
+        if (optionRow) option->features |= QStyleOptionViewItem::HasDecoration;
+    }
+};
+
 }  // namespace
 
 OptionTreeView::OptionTreeView(QWidget* parent) : QTreeWidget(parent) {
@@ -42,6 +59,8 @@ OptionTreeView::OptionTreeView(QWidget* parent) : QTreeWidget(parent) {
     // One column as wide as the view: measuring every row for the width
     // would cost more than a click may take on a large catalog.
     header()->setStretchLastSection(true);
+    setItemDelegate(new OptionRowDelegate(this));
+    setIconSize(QSize(kMarkSize, kMarkSize));
 }
 
 void OptionTreeView::mousePressEvent(QMouseEvent* event) {

@@ -52,10 +52,12 @@ void frmDeviceCofigurator::cmdSelPredefCfg_Click() {
 }
 
 void frmDeviceCofigurator::SetCfgEdited(const std::string& text) {
-    if (text == cfgEditedText_) return;
-    cfgEditedText_ = text;
-    txtCfgEdited->setPlainText(InRows(text));
-    txtCfgEdited_Change();
+    if (text != cfgEditedText_) {
+        cfgEditedText_ = text;
+        txtCfgEdited->setPlainText(InRows(text));
+        txtCfgEdited_Change();
+    }
+    NoteImageStep();
 }
 
 void frmDeviceCofigurator::txtCfgEdited_Change() {
@@ -65,7 +67,9 @@ void frmDeviceCofigurator::txtCfgEdited_Change() {
 
 void frmDeviceCofigurator::BuildTreeOrSay() {
     // The tree always shows the image, never the box's text.
-    if (!BuildOptionTree(device_.CfgImage, device_, *tree_)) ShowMessage(kSomethingWrong);
+    const bool built = BuildOptionTree(device_.CfgImage, device_, *tree_);
+    RefreshEditorPanes();
+    if (!built) ShowMessage(kSomethingWrong);
 }
 
 }  // namespace sb::ui

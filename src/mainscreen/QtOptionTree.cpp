@@ -199,4 +199,11 @@ TreeNode* QtOptionTree::NodeOf(QTreeWidgetItem* item) {
 
 QTreeWidgetItem* QtOptionTree::ItemOf(TreeNode& node) { return static_cast<Node&>(node).item_; }
 
+void QtOptionTree::SetDecoration(TreeNode& node, const QIcon& icon) {
+    Writing writing(*this);
+    ItemOf(node)->setData(0, Qt::DecorationRole, icon.isNull() ? QVariant() : QVariant(icon));
+}
+
+bool QtOptionTree::HasDecoration(TreeNode& node) { return ItemOf(node)->data(0, Qt::DecorationRole).isValid(); }
+
 }  // namespace sb::ui

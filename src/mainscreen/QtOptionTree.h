@@ -38,6 +38,11 @@ public:
     int ChildrenOf(TreeNode& node) override;
     bool CheckedOf(TreeNode& node) override;
 
+    // A picture beside the node's text (none for a null icon), which the
+    // tree's events never see as a click.
+    void SetDecoration(TreeNode& node, const QIcon& icon);
+    bool HasDecoration(TreeNode& node);
+
     // The node of an item of the view, or nullptr.
     TreeNode* NodeOf(QTreeWidgetItem* item);
     QTreeWidgetItem* ItemOf(TreeNode& node);

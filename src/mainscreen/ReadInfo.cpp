@@ -66,6 +66,7 @@ void frmDeviceCofigurator::ReadOpenModule() {
     DeviceInfo local;
     ReadModuleInfo(*MSComm1, *status_, local);
     if (closeRequested_) return;
+    StartNewHistory();
     tree_->Clear();
     ShowModuleTexts(local, true);
     KeepReadInHistory(local);
@@ -87,6 +88,8 @@ void frmDeviceCofigurator::ClearPreviousRead() {
 
 void frmDeviceCofigurator::ShowModuleTexts(const DeviceInfo& info, bool withAppInfo, const std::string& file) {
     ShowTitleFor(file);
+    shownFile_ = file;
+    shownWithAppInfo_ = withAppInfo;
     // txtAppConfig shows the configuration as the module sent it.
     Show(*txtAppConfig, info.AppConfig);
     Show(*txtHWVer, info.HWVer);
@@ -126,6 +129,12 @@ void frmDeviceCofigurator::SayCatalogRefused(const std::string& reason) {
 
 void frmDeviceCofigurator::TakeCatalogIn(DeviceInfo& local) {
     if (AppendReadedConfig(local) == ReadedConfig::WrongLength) ShowMessage(kWrongConfiguration);
+    ShowCatalog(local);
+}
+
+// The list of a record whose catalog is taken in; the working image is the
+// entry that stands last.
+void frmDeviceCofigurator::ShowCatalog(const DeviceInfo& local) {
     FillConfigList(local);
     device_ = local;
     const int count = cmbConfigList->count();

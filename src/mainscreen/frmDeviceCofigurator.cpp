@@ -5,6 +5,7 @@
 #include <QFontDatabase>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QMenuBar>
 #include <QVBoxLayout>
 #include <QValidator>
@@ -64,6 +65,7 @@ void frmDeviceCofigurator::BuildControls() {
     cmdWriteConfig = Named(new QPushButton(QStringLiteral("Write"), center), "cmdWriteConfig");
     cmdWriteConfig->setEnabled(false);
     tvOptions = new OptionTreeView(center);
+    BuildEditorPanes();
     Label3 = Named(new QLabel(QStringLiteral("Configuration Data for write"), center), "Label3");
     txtCfgEdited = ShowOnlyLines(center, "txtCfgEdited", 3);
     // The tree gets the room; a long image scrolls.
@@ -118,6 +120,8 @@ void frmDeviceCofigurator::BuildControls() {
     mnuTools->addSeparator();
     mnuOfflineRead = Named(mnuTools->addAction(QStringLiteral("Read info from ConfigOptions.xml")), "mnuOfflineRead");
     AddConfigFileMenus();
+    AddEditMenu();
+    AddEditorMenus();
     AddHelpMenu(*this);
 
     StatusBar = Named(statusBar(), "StatusBar");
@@ -180,7 +184,12 @@ void frmDeviceCofigurator::LayOutControls() {
     left->addLayout(buttons);
 
     auto* right = new QVBoxLayout;
-    right->addWidget(tvOptions, 1);
+    auto* search = new QHBoxLayout;
+    search->addWidget(txtSearch, 1);
+    search->addWidget(chkOnlyChanged);
+    right->addLayout(search);
+    right->addWidget(tvOptions, 3);
+    right->addWidget(txtOptionDetails, 1);
     right->addWidget(Label3);
     right->addWidget(txtCfgEdited);
 
@@ -212,6 +221,13 @@ void frmDeviceCofigurator::ConnectEvents() {
 
 bool frmDeviceCofigurator::eventFilter(QObject* watched, QEvent* event) {
     if (watched == cmbConfigList && event->type() == QEvent::FocusOut) QuietStep([this] { cmbConfigList_Validate(); });
+    // Escape in the search field, or in the tree that a search filters,
+    // ends the search.
+    const bool searching = watched == txtSearch || (watched == tvOptions && filtering_);
+    if (searching && event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        QuietStep([this] { SearchEscaped(); });
+        return true;
+    }
     return QMainWindow::eventFilter(watched, event);
 }
 

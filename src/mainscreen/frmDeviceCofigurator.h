@@ -1,5 +1,6 @@
 #pragma once
 #include <QAction>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
@@ -9,6 +10,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QStatusBar>
+#include <QUndoStack>
 #include <memory>
 #include <string>
 
@@ -74,6 +76,18 @@ public:
     QAction* mnuCompareFile = nullptr;
     QAction* mnuRestoreHistory = nullptr;
     QAction* mnuVerifyWrite = nullptr;  // in Tools; remembered in the user's settings
+    // Edit: undo and redo of the working image (EditHistory.cpp).
+    QMenu* mnuEdit = nullptr;
+    QAction* mnuUndo = nullptr;
+    QAction* mnuRedo = nullptr;
+    // The editor's panes around the tree (EditorPanes.cpp): the search
+    // above it, the details of the option under it, and the changes that a
+    // write would make.
+    QLineEdit* txtSearch = nullptr;
+    QCheckBox* chkOnlyChanged = nullptr;
+    QPlainTextEdit* txtOptionDetails = nullptr;
+    QAction* mnuFind = nullptr;
+    QAction* mnuPendingChanges = nullptr;
 
     // "Module info".
     QGroupBox* Frame6;
@@ -214,6 +228,49 @@ private:
     // Behind an "OK" to SETAPPCFG, with verify on: why the module does not
     // hold what was sent, read back on the open port; empty when it does.
     std::string WriteNotVerified(const std::string& sentHex);
+
+    // Undo and redo (EditHistory.cpp). Every change of CfgImage passes
+    // through SetCfgEdited, which notes it as one step; a step that also
+    // replaced the record (an opened file, a restore) holds the record too.
+    struct ShownRecord;
+    class ImageStep;
+    enum class RecordChange { None, NewHistory, Replaced };
+    void AddEditMenu();
+    void StartNewHistory();
+    void NoteRecordReplaced();
+    void EndRecordReplaced();
+    void NoteImageStep();
+    std::shared_ptr<const ShownRecord> CurrentRecord() const;
+    void ApplyStep(const std::shared_ptr<const std::string>& image, const std::shared_ptr<const ShownRecord>& record);
+    void ShowRecord(const ShownRecord& record);
+    void ShowCatalog(const DeviceInfo& local);
+
+    void BuildEditorPanes();
+    void AddEditorMenus();
+    void RefreshEditorPanes();
+    void ShowChangedMarks();
+    void ApplyTreeFilter();
+    void SearchEdited();
+    void SearchEscaped();
+    void SearchReturned();
+    void ShowDetailsOf(QTreeWidgetItem* item);
+    void ShowDetails();
+    void ShowPendingChanges();
+
+    std::vector<bool> changedOptions_;
+    bool filtering_ = false;  // the tree as it was before the search is kept below
+    std::vector<std::string> expandedBeforeSearch_;
+    std::string selectedBeforeSearch_;
+    int32_t detailsOption_ = -1;
+
+    QUndoStack* undoStack_ = nullptr;
+    RecordChange recordChange_ = RecordChange::None;
+    std::shared_ptr<const ShownRecord> stepRecord_;  // the record as of the last step
+    // The image as of the last step, shared with the steps that hold it.
+    std::shared_ptr<const std::string> stepImage_ = std::make_shared<const std::string>();
+    bool applyingStep_ = false;
+    std::string shownFile_;
+    bool shownWithAppInfo_ = false;
 
     std::string configOptionsPath_;
     DeviceInfo device_;

@@ -10,6 +10,7 @@
 #include "configfiles/ConfigCompare.h"
 #include "configfiles/ConfigFile.h"
 #include "configfiles/ConfigHistory.h"
+#include "configfiles/HistoryReads.h"
 #include "configfiles/JsonBytes.h"
 #include "configfiles/WriteChecks.h"
 #include "helpers/HexText.h"
@@ -175,6 +176,24 @@ TEST(ConfigHistory, KeepsTheNewestHundredPerSerialNumberNewestFirst) {
     EXPECT_EQ(ReadConfigFile(newest).Document.Module.SN, "A/1");
     // A folder that cannot be made: below a file.
     EXPECT_THROW(KeepInHistory(document, newest), ConfigFileError);
+}
+
+// Newest first: each read names its configuration and counts the options
+// that differ from the read before it; a file that cannot be read counts
+// for neither of its neighbours.
+TEST(ConfigHistory, ReadsNameTheirConfigurationAndCountTheOptionsChangedSinceTheOneBefore) {
+    TempFolder root;
+    const DeviceInfo device = LoadedDevice();
+    const std::string images[] = {WithOption(device, 0, "00000001"), WithOption(device, 2, "0000012D"),
+                                  WithOption(device, 0, "00000001"), device.PredefCfgs.Items[0].Data};
+    int year = 2020;
+    for (const std::string& image : images) KeepInHistory(MakeConfigDocument(device, image), root.File("x"), Day(year++));
+    const std::string broken = KeepInHistory(MakeConfigDocument(device, images[0]), root.File("x"), Day(2019));
+    TempFolder::Write(broken, "{");
+    std::string seen;
+    for (const HistoryRead& read : DescribeHistory(ListHistory(root.File("x")).at(0)))
+        seen += read.Name + ":" + std::to_string(read.Differing) + " ";
+    EXPECT_EQ(seen, "Truck:1 Passenger car:2 Passenger car:2 Passenger car:-1 :-1 ");
 }
 
 TEST(ConfigHistory, TwoKeepersOfOneMillisecondKeepAFileEach) {

@@ -3,6 +3,7 @@
 // configurations and the value edit forms as mouse, keyboard and a scripted
 // technician work them, the File menu, and the screen's end.
 #include <QRadioButton>
+#include <QTableWidget>
 #include <filesystem>
 
 #include "ScreenTesting.h"
@@ -130,6 +131,68 @@ TEST_F(OptionEditing, ListShowsTheChoiceAndSelectAppliesItTypingANameNothing) {
     form.cmdSelPredefCfg->click();
     EXPECT_EQ(messages.texts, std::vector<std::string>{"Something wrong"});
     EXPECT_EQ(form.CfgEditedText(), "0500000000000000");
+}
+
+TEST_F(OptionEditing, UndoTakesBackEachChangeOfTheImageAndAReadStartsAfresh) {
+    screen.ClickBox("OPTION00000002_VALUE00000000");  // Off
+    const QString edited = form.CfgEditedText().c_str();
+    form.cmbConfigList->setCurrentIndex(2);
+    form.cmdSelPredefCfg->click();
+    std::string chosen = folder.File("module.sbconf");
+    ui::SetConfigFileChooser([&](ui::ConfigFileChoice) { return chosen; });
+    DeviceInfo module;
+    module.InfoFile = TestCatalog();
+    module.SN = "SN7";
+    WriteConfigFile(chosen, MakeConfigDocument(module, HexToBytes("000000000F22415A")));
+    form.mnuOpenConfig->trigger();
+    ui::SetConfigFileChooser({});
+
+    form.mnuUndo->trigger();  // the file: the offline run's module is back
+    EXPECT_EQ(form.txtSN->text(), "XXXXXXXX");
+    form.mnuUndo->trigger();  // "Select"
+    EXPECT_EQ(form.CfgEditedText().c_str(), edited);
+    EXPECT_FALSE(screen.On("OPTION00000002_VALUE00000001"));
+    form.mnuUndo->trigger();  // the box
+    EXPECT_EQ(form.CfgEditedText(), kModuleImage);
+    EXPECT_EQ(screen.Item("OPTION00000002")->text(0), "Mode:On");
+    EXPECT_FALSE(form.mnuUndo->isEnabled());
+    form.mnuRedo->trigger();
+    EXPECT_EQ(form.CfgEditedText().c_str(), edited);
+    form.Command1->click();
+    EXPECT_FALSE(form.mnuRedo->isEnabled());
+    EXPECT_TRUE(messages.texts.empty());
+}
+
+TEST_F(OptionEditing, SearchHidesOtherOptionsAndEscapePutsTheTreeBack) {
+    screen.Item("OPTION00000002")->setExpanded(true);
+    form.tvOptions->setCurrentItem(screen.Item("OPTION00000004"));
+    QTest::keyClicks(form.txtSearch, "lamps");
+    EXPECT_TRUE(screen.Item("OPTION00000002")->isHidden());
+    EXPECT_FALSE(screen.Item("OPTION00000003_VALUE00000001")->isHidden());
+    QTest::keyClick(form.txtSearch, Qt::Key_Return);
+    EXPECT_EQ(form.tvOptions->currentItem(), screen.Item("OPTION00000003"));
+    screen.Item("OPTION00000003")->setExpanded(true);
+    QTest::keyClick(form.txtSearch, Qt::Key_Escape);
+    EXPECT_FALSE(screen.Item("OPTION00000002")->isHidden());
+    EXPECT_TRUE(screen.Item("OPTION00000002")->isExpanded());
+    EXPECT_FALSE(screen.Item("OPTION00000003")->isExpanded());
+    EXPECT_EQ(form.tvOptions->currentItem(), screen.Item("OPTION00000004"));
+    EXPECT_TRUE(form.txtSearch->text().isEmpty());
+}
+
+TEST_F(OptionEditing, ChangedOptionsAreMarkedListedAndShownAlone) {
+    screen.ClickBox("OPTION00000002_VALUE00000000");  // Off
+    EXPECT_EQ(form.tvOptions->currentItem(), screen.Item("OPTION00000002_VALUE00000000"));  // the mark is no click
+    for (const char* key : {"OPTION00000001", "OPTION00000002"})
+        EXPECT_EQ(screen.Item(key)->icon(0).isNull(), key[13] == '1') << key;
+    EXPECT_THAT(form.txtOptionDetails->toPlainText().toStdString(), ::testing::StartsWith("Name: Mode"));
+    form.chkOnlyChanged->setChecked(true);
+    EXPECT_TRUE(screen.Item("OPTION00000001")->isHidden());
+    EXPECT_FALSE(screen.Item("OPTION00000002")->isHidden());
+    int rows = 0;
+    modal.Then([&](QDialog& dialog) { rows = dialog.findChild<QTableWidget*>("tblPending")->rowCount(); });
+    form.mnuPendingChanges->trigger();
+    EXPECT_EQ(rows, 1);
 }
 
 TEST_F(MainScreen, OverlongEntriesAreRefusedAndEveryByteOfAStringSurvives) {

@@ -6,7 +6,9 @@
 
 #include "ScreenTesting.h"
 #include "VirtualModule.h"
+#include "configfiles/ConfigFile.h"
 #include "configfiles/ConfigHistory.h"
+#include "mainscreen/ConfigFileChooser.h"
 
 namespace sb::test {
 namespace {
@@ -111,6 +113,17 @@ TEST_F(ModuleScreen, AReadIsKeptAndVerifyNamesWhatTheModuleDidNotTake) {
     EXPECT_EQ(messages.texts, std::vector<std::string>{
                                   "The module holds another configuration than the one written:\r\n Mode:Off -> On"});
     EXPECT_FALSE(form.ComPort().PortOpen());
+
+    // A file opened over the read, and taken back: the module read is there
+    // to be updated again.
+    const std::string file = folder.File("other.sbconf");
+    WriteConfigFile(file, MakeConfigDocument(form.Device(), form.Device().CfgImage));
+    ui::SetConfigFileChooser([&](ui::ConfigFileChoice) { return file; });
+    form.mnuOpenConfig->trigger();
+    ui::SetConfigFileChooser({});
+    EXPECT_FALSE(form.cmdFWUpdate->isEnabled());
+    form.mnuUndo->trigger();
+    EXPECT_TRUE(form.cmdFWUpdate->isEnabled());
 }
 
 }  // namespace
