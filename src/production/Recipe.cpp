@@ -78,6 +78,7 @@ private:
 RecipeCheck Checker::Run() {
     const std::optional<Json> json = ReadDocument();
     if (!json || !IsThisFormat(*json)) return std::move(check_);
+    check_.Taken = true;
     TakeMembers(*json);
     if (!check_.Recipe.Firmware.File.empty()) CheckFirmware();
     if (check_.Recipe.Configuration) CheckConfiguration();
@@ -317,7 +318,8 @@ std::string StepPlan(const Recipe& recipe, RecipeStep step) {
             return plan;
         }
         case RecipeStep::Download:
-            return recipe.Firmware.File + " (" + std::to_string(recipe.FirmwareSize) + " bytes, SHA-256 " +
+            return recipe.Firmware.File + " (" +
+                   (recipe.FirmwareSize > 0 ? std::to_string(recipe.FirmwareSize) + " bytes, " : "") + "SHA-256 " +
                    recipe.Firmware.Sha256 + ")";
         case RecipeStep::Configure:
             return recipe.Configuration->File + " (SHA-256 " + recipe.Configuration->Sha256 +

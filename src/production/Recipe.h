@@ -66,6 +66,7 @@ struct Recipe {
 struct RecipeCheck {
     sb::Recipe Recipe;  // as far as it could be read
     std::vector<RecipeProblem> Problems;
+    bool Taken = false;  // a recipe of this format and version, whose members were read
     bool Ok() const { return Problems.empty(); }
 };
 
