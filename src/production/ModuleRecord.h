@@ -59,10 +59,10 @@ struct ModuleRecord {
     RunIdentity Run;
     // Under a recipe (whose path is empty otherwise): the step that failed,
     // and what was carried out.
-    std::optional<std::string> Step;
-    std::string RecipeFile;  // absolute
-    std::string RecipeSha256;
-    std::optional<std::string> ConfigurationSha256;
+    std::optional<std::string> Step{};
+    std::string RecipeFile{};  // absolute
+    std::string RecipeSha256{};
+    std::optional<std::string> ConfigurationSha256{};
 };
 
 // A run id that no other run shares, and this machine's name. An empty

@@ -36,9 +36,6 @@ struct ModuleJob {
 struct LineSettings {
     const FirmwareFile* Firmware = nullptr;
     ProductionLog* Log = nullptr;  // none: no log
-    // none: no recipe. A module whose USB serial is not on its order is
-    // refused before anything is started for it; the jobs carry out its steps.
-    const sb::Recipe* Recipe = nullptr;
     RunIdentity Run;
     // A download that failed (not downloaded, hung, crashed) is tried again
     // up to so many times, each try an attempt of its own.
@@ -51,6 +48,9 @@ struct LineSettings {
     // from Firmware->CopyPath() and prints ProgressLine lines and its result
     // line (ChildReport.h) on standard output.
     std::function<std::vector<std::string>(const ModuleJob&)> Command;
+    // none: no recipe. A module whose USB serial is not on its order is
+    // refused before anything is started for it; the jobs carry out its steps.
+    const sb::Recipe* Recipe = nullptr;
 };
 
 struct LineHooks {
