@@ -23,13 +23,16 @@ ProductionLine::ProductionLine(LineSettings settings, LineHooks hooks)
                  [this](ChildSupervisor::Id id, const ChildEnd& end) { Ended(id, end); }}) {}
 
 void ProductionLine::Start(const ModuleJob& job) {
-    if (settings_.Recipe && !OnOrder(*settings_.Recipe, job.UsbSerial)) return Refuse(job);
+    // The serial the module showed when its attempt began: a boot loader
+    // need not show the serial of its firmware.
+    if (settings_.Recipe && !inBoot_.count(job.Module) && !OnOrder(*settings_.Recipe, job.UsbSerial))
+        return Refuse(job);
     Launch(job, job.Step == JobStep::Flash ? settings_.Retries : 0);
 }
 
 // Never touched: no program is started for it.
 void ProductionLine::Refuse(const ModuleJob& job) {
-    if (!inBoot_.erase(job.Module)) ++attempts_[job.Module];
+    ++attempts_[job.Module];
     ModuleRecord record = NewRecord(job);
     record.Result = ModuleResult::Refused;
     record.Step = StepName(RecipeStep::Identity);
