@@ -347,4 +347,9 @@ bool OnOrder(const Recipe& recipe, const std::string& usbSerial) {
     return !recipe.UsbSerialsFile || recipe.UsbSerials.count(usbSerial) > 0;
 }
 
+std::string OffOrderReason(const Recipe& recipe, const std::string& usbSerial) {
+    return "the USB serial " + (usbSerial.empty() ? std::string("(none)") : ShortText(usbSerial)) +
+           " is not on the order's list " + recipe.UsbSerialsFile.value_or("");
+}
+
 }  // namespace sb

@@ -49,7 +49,7 @@ std::vector<std::string> JobCommand(const ProductionOptions& options, const Firm
                                      "--progress-json"};
     // The child checks the recipe again, and the copy's bytes against it.
     if (!options.recipe.empty()) {
-        argv.insert(argv.end(), {"--recipe", options.recipe});
+        argv.insert(argv.end(), {"--recipe", options.recipe, "--line-child"});
         return argv;
     }
     if (options.production) argv.push_back("--production");
