@@ -27,8 +27,9 @@ std::string Quoted(const std::string& answer) { return "\"" + ShortText(answer) 
 
 }  // namespace
 
-RecipeRun::RecipeRun(SerialPort& port, StatusText& status, const Recipe& recipe, UpdateHooks hooks)
-    : port_(port), status_(status), recipe_(recipe), hooks_(std::move(hooks)) {}
+RecipeRun::RecipeRun(SerialPort& port, StatusText& status, const Recipe& recipe, UpdateHooks hooks,
+                     std::function<void(RecipeStep)> entered)
+    : port_(port), status_(status), recipe_(recipe), hooks_(std::move(hooks)), entered_(std::move(entered)) {}
 
 RecipeOutcome RecipeRun::Run(const std::string& portName, const std::string& firmwarePath,
                              const std::string& iniPath) {
@@ -55,6 +56,11 @@ RecipeOutcome RecipeRun::Run(const std::string& portName, const std::string& fir
     return outcome_;
 }
 
+void RecipeRun::Enter(RecipeStep step) {
+    step_ = step;
+    if (entered_) entered_(step);
+}
+
 void RecipeRun::Open() {
     if (port_.PortOpen()) return;
     OpenPort(port_, portName_, kSettings300);
@@ -66,7 +72,7 @@ std::string RecipeRun::Ask(std::string_view command) {
 }
 
 void RecipeRun::Identity() {
-    step_ = RecipeStep::Identity;
+    Enter(RecipeStep::Identity);
     Open();
     const std::string sn = Ask(cmd::GETSN);
     if (sn.empty() || sn == kNoAnswer || sn == cmd::AnswerError)
@@ -82,7 +88,7 @@ void RecipeRun::Identity() {
 // One try: the production line tries a failed download again, as an
 // attempt of its own. Nothing is sent unless the bytes are the recipe's.
 void RecipeRun::Download(const std::string& firmwarePath) {
-    step_ = RecipeStep::Download;
+    Enter(RecipeStep::Download);
     std::string bytes;
     if (ReadWholeFile(firmwarePath, bytes, kLongestFirmware) != WholeFileRead::Complete)
         throw StepFailed{firmwarePath + " cannot be read"};
@@ -103,7 +109,7 @@ void RecipeRun::Download(const std::string& firmwarePath) {
 }
 
 void RecipeRun::Configure() {
-    step_ = RecipeStep::Configure;
+    Enter(RecipeStep::Configure);
     Open();
     std::string reason;
     catalog_ = ReadModuleCatalog(port_, status_, reason);
@@ -118,14 +124,14 @@ void RecipeRun::Configure() {
 }
 
 void RecipeRun::Verify() {
-    step_ = RecipeStep::Verify;
+    Enter(RecipeStep::Verify);
     const VerifyResult verified = VerifyWrite(*catalog_, recipe_.Config->Device.CfgImage, Ask(cmd::GETAPPCFG));
     if (!verified.Holds) throw StepFailed{VerifyMessage(verified)};
     SameModule(RecipeStep::Verify, Ask(cmd::GETSN));
 }
 
 void RecipeRun::Record(const std::string& iniPath) {
-    step_ = RecipeStep::Record;
+    Enter(RecipeStep::Record);
     Open();
     const ProductionRecord& record = *(outcome_.Record = WriteProductionRecord(port_, status_, iniPath));
     if (record.End != RecordEnd::Written)
@@ -134,7 +140,7 @@ void RecipeRun::Record(const std::string& iniPath) {
 }
 
 void RecipeRun::StartFirmware() {
-    step_ = RecipeStep::Run;
+    Enter(RecipeStep::Run);
     Open();
     SameModule(RecipeStep::Run, Ask(cmd::GETSN));
     port_.SetPortOpen(false);
