@@ -51,6 +51,11 @@ RecipeOutcome RecipeRun::Run(const std::string& portName, const std::string& fir
         outcome_.Failed = step_;
         outcome_.Detail = std::string("the port failed: ") + failure.what() +
                           (failure.reason.empty() ? "" : " (" + failure.reason + ")");
+    } catch (const std::exception& failure) {
+        // A module's answer this program could not take (a catalog of
+        // numbers beyond its range) fails the module, not the program.
+        outcome_.Failed = step_;
+        outcome_.Detail = failure.what();
     }
     if (port_.PortOpen()) SkipOnPortError([this] { port_.SetPortOpen(false); });
     return outcome_;
