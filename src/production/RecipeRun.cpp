@@ -23,6 +23,15 @@ struct StepFailed {
     std::string why;
 };
 
+// Read apart from the update run's own reading, so that a module holds
+// one copy of the firmware while it is sent.
+std::string FileSha256(const std::string& path) {
+    std::string bytes;
+    if (ReadWholeFile(path, bytes, kLongestFirmware) != WholeFileRead::Complete)
+        throw StepFailed{path + " cannot be read"};
+    return Sha256Hex(bytes);
+}
+
 std::string Quoted(const std::string& answer) { return "\"" + ShortText(answer) + "\""; }
 
 }  // namespace
@@ -94,10 +103,7 @@ void RecipeRun::Identity() {
 // attempt of its own. Nothing is sent unless the bytes are the recipe's.
 void RecipeRun::Download(const std::string& firmwarePath) {
     Enter(RecipeStep::Download);
-    std::string bytes;
-    if (ReadWholeFile(firmwarePath, bytes, kLongestFirmware) != WholeFileRead::Complete)
-        throw StepFailed{firmwarePath + " cannot be read"};
-    if (const std::string sha256 = Sha256Hex(bytes); sha256 != recipe_.Firmware.Sha256)
+    if (const std::string sha256 = FileSha256(firmwarePath); sha256 != recipe_.Firmware.Sha256)
         throw StepFailed{"the firmware's SHA-256 is " + sha256 + "; the recipe gives " + recipe_.Firmware.Sha256};
     UpdateHooks hooks = hooks_;
     hooks.FileName = [firmwarePath] { return firmwarePath; };
