@@ -4,6 +4,7 @@
 
 #include "production/ChildSupervisor.h"
 #include "production/ModuleRecord.h"
+#include "production/Recipe.h"
 #include "update/Xmodem.h"
 
 // What a download program tells the production line, one JSON object a line
@@ -16,6 +17,10 @@ namespace sb {
 std::string ProgressLine(const XmodemProgress& progress);
 std::optional<XmodemProgress> ParseProgressLine(const std::string& line);
 
+// Under a recipe, as each step begins: {"step_begins": "configure"}
+std::string StepLine(RecipeStep step);
+std::optional<RecipeStep> ParseStepLine(const std::string& line);
+
 struct FlashResult {
     std::string End;  // "programmed", "not downloaded", "no port", "no file", "file unreadable"
     int32_t Result = 0;      // of the last XMODEM transfer
@@ -27,6 +32,9 @@ struct FlashResult {
     bool RecordWritten = false;
     std::optional<int32_t> RecordNumber;
     std::string RecordEnd;  // why no record was written
+    // Under a recipe: the step that failed, and why.
+    std::optional<std::string> Step;
+    std::string Detail;
 };
 std::optional<FlashResult> ParseFlashResult(const std::string& line);
 
