@@ -66,9 +66,11 @@ std::vector<Finding> RunDoctor(const SystemView& system, const DoctorRequest& re
     if (nodes.empty())
         findings.push_back({"module", Trouble::NoModule, "no module is plugged in (no serial device of USB c252:17xx or 0483:5740)",
                             "plug the module in; lsusb lists it as c252:17xx (running) or 0483:5740 (boot loader)"});
-    for (auto&& part : {CheckUdevRule(system, modules), CheckAccess(system, nodes, modules),
-                        CheckModemManager(system, modules), CheckBrltty(system), CheckPortHolders(system, nodes),
-                        CheckMode(request), CheckFolders(system, request.Folders)})
+    const auto access = CheckAccess(system, nodes, modules);
+    const bool ruleNeeded = nodes.empty() || WorstTrouble(access) != Trouble::None || IsRunning(system, "ModemManager");
+    for (auto&& part : {CheckUdevRule(system, modules, ruleNeeded), access, CheckModemManager(system, modules),
+                        CheckBrltty(system), CheckPortHolders(system, nodes), CheckMode(request),
+                        CheckFolders(system, request.Folders)})
         findings.insert(findings.end(), part.begin(), part.end());
     return findings;
 }

@@ -45,7 +45,9 @@ Trouble WorstTrouble(const std::vector<Finding>& findings);
 // The checks one by one. `modules` are the serial devices with one of the
 // module's USB identities (of the port asked about, when one is).
 std::vector<SerialDevice> ModuleDevices(const SystemView& system, const std::string& port);
-std::vector<Finding> CheckUdevRule(const SystemView& system, const std::vector<SerialDevice>& modules);
+// The rule is needed where a module cannot be reached without it: a node
+// that cannot be opened, ModemManager running, or no module to tell.
+std::vector<Finding> CheckUdevRule(const SystemView& system, const std::vector<SerialDevice>& modules, bool needed);
 std::vector<Finding> CheckAccess(const SystemView& system, const std::vector<std::string>& nodes,
                                  const std::vector<SerialDevice>& modules);
 std::vector<Finding> CheckModemManager(const SystemView& system, const std::vector<SerialDevice>& modules);

@@ -31,8 +31,11 @@ bool RuleApplied(const SerialDevice& device) {
 
 }  // namespace
 
-std::vector<Finding> CheckUdevRule(const SystemView& system, const std::vector<SerialDevice>& modules) {
+std::vector<Finding> CheckUdevRule(const SystemView& system, const std::vector<SerialDevice>& modules, bool needed) {
     const auto rules = InstalledRules(system);
+    // Without the rule, a user of the dialout group reaches the module as
+    // well, as long as ModemManager leaves it alone.
+    const Trouble missing = needed ? Trouble::Access : Trouble::None;
     std::vector<Finding> findings;
     bool installed = true;
     for (const UsbIdentity* identity : {&kRunningUsb, &kBootUsb}) {
@@ -41,7 +44,7 @@ std::vector<Finding> CheckUdevRule(const SystemView& system, const std::vector<S
             continue;
         }
         installed = false;
-        findings.push_back({kCheck, Trouble::Access, "no rule gives " + UsbName(*identity) + " to the user and keeps ModemManager off it",
+        findings.push_back({kCheck, missing, "no rule gives " + UsbName(*identity) + " to the user and keeps ModemManager off it",
                             "sudo cp /usr/lib/udev/rules.d/70-servicebay.rules /etc/udev/rules.d/ (from the sources: "
                             "packaging/70-servicebay.rules), then " + std::string(kReload) + ", and plug the module in again"});
     }
@@ -50,7 +53,7 @@ std::vector<Finding> CheckUdevRule(const SystemView& system, const std::vector<S
         if (RuleApplied(device))
             findings.push_back({kCheck, Trouble::None, "applied to " + device.DevNode, ""});
         else
-            findings.push_back({kCheck, Trouble::Access, "installed but not applied to " + device.DevNode + " (not loaded yet)",
+            findings.push_back({kCheck, missing, "installed but not applied to " + device.DevNode + " (not loaded yet)",
                                 std::string(kReload) + ", or plug the module in again"});
     }
     return findings;

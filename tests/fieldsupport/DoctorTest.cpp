@@ -1,4 +1,7 @@
 #include <gtest/gtest.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "../helpers/TempFolder.h"
 #include "FakeSystem.h"
@@ -35,6 +38,34 @@ TEST(Doctor, NamesEachProblemOfTheMachineWithItsFix) {
             EXPECT_NE(p.Fix.find(expected[i][2].get<std::string>()), std::string::npos) << c.at("name") << ": " << p.Fix;
         }
     }
+}
+
+// On the machine itself: a child process holds a pseudo-terminal open, and
+// the doctor finds it by its process id.
+TEST(Doctor, FindsTheProcessThatHoldsAPort) {
+    int master = -1, slave = -1, gate[2];
+    char name[64];
+    ASSERT_EQ(::openpty(&master, &slave, name, nullptr, nullptr), 0);
+    ASSERT_EQ(::pipe(gate), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        char byte;
+        ::close(gate[1]);
+        ::_exit(::read(gate[0], &byte, 1) < 0);
+    }
+    ::close(slave);
+    ::close(gate[0]);
+    const auto before = support::CheckPortHolders(support::LocalSystem(), {name});
+    ::close(gate[1]);
+    ::waitpid(child, nullptr, 0);
+    const auto after = support::CheckPortHolders(support::LocalSystem(), {name});
+    ::close(master);
+
+    ASSERT_EQ(before.size(), 1u);
+    EXPECT_NE(before[0].What.find("(pid " + std::to_string(child) + ")"), std::string::npos) << before[0].What;
+    EXPECT_EQ(before[0].Fix.substr(before[0].Fix.size() - 5 - std::to_string(child).size()), "kill " + std::to_string(child));
+    ASSERT_EQ(after.size(), 1u);
+    EXPECT_EQ(after[0].Kind, support::Trouble::None);
 }
 
 }  // namespace

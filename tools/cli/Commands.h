@@ -37,6 +37,12 @@ inline constexpr int kExitSerialAmbiguous = 22;
 inline constexpr int kExitModuleFailed = 23;  // flash --all, station: a module was not programmed
 inline constexpr int kExitNoLog = 24;
 inline constexpr int kExitFirmwareChanged = 25;
+// doctor: the first kind of trouble it found.
+inline constexpr int kExitDoctorAccess = 40;
+inline constexpr int kExitDoctorOtherProgram = 41;
+inline constexpr int kExitDoctorMode = 42;
+inline constexpr int kExitDoctorFolder = 43;
+inline constexpr int kExitDoctorNoModule = 44;
 
 struct ExitStatus {
     int Code;
@@ -69,6 +75,11 @@ inline constexpr ExitStatus kExitStatuses[] = {
     {kExitModuleFailed, "a module of the run was not programmed"},
     {kExitNoLog, "the log file cannot be written"},
     {kExitFirmwareChanged, "the firmware file changed or went away while the station ran"},
+    {kExitDoctorAccess, "doctor: no access to the module's port, or the udev rule missing"},
+    {kExitDoctorOtherProgram, "doctor: another program gets between (ModemManager, brltty, a program holding the port)"},
+    {kExitDoctorMode, "doctor: the module is in the other mode"},
+    {kExitDoctorFolder, "doctor: a file or folder of the program cannot be written"},
+    {kExitDoctorNoModule, "doctor: no module found"},
 };
 
 inline constexpr int ExitStatusOf(ConfigFault fault) {
@@ -96,5 +107,6 @@ void AddConfigFileCommands(CLI::App& app);  // save, diff
 // a catalog document.
 bool IsConfigFilePath(const std::string& path);
 void AddStationCommand(CLI::App& app);   // station
+void AddSupportCommands(CLI::App& app);  // doctor, support-bundle
 
 }  // namespace sb::cli
