@@ -11,6 +11,7 @@
 #include "mainscreen/CompareDialog.h"
 #include "mainscreen/ConfigFileChooser.h"
 #include "mainscreen/UpdateScreens.h"
+#include "support/DoctorReport.h"
 
 namespace sb::test {
 namespace {
@@ -40,6 +41,18 @@ TEST_F(MainScreen, StartsWithOnlyReadInfoAndBoxesThatOnlyShow) {
     for (QWidget* box : form.findChildren<QPlainTextEdit*>()) EXPECT_FALSE(box->isEnabled());
     for (QWidget* box : form.findChildren<QLineEdit*>()) EXPECT_FALSE(box->isEnabled());
     EXPECT_TRUE(form.Command1->isHidden());
+}
+
+// Help's diagnosis shows the doctor's findings of this machine.
+TEST_F(MainScreen, DiagnosisShowsTheDoctorsFindings) {
+    ModalScript dialogs;
+    std::string shown;
+    dialogs.Then([&shown](QDialog& dialog) {
+        shown = dialog.findChild<QPlainTextEdit*>(QStringLiteral("txtFindings"))->toPlainText().toStdString();
+    });
+    form.findChild<QAction*>(QStringLiteral("mnuDiagnose"))->trigger();
+    const support::DoctorRequest everything{"", "", ModuleMode::None, support::ProgramFiles()};
+    EXPECT_EQ(shown, support::FindingsText(support::RunDoctor(support::LocalSystem(), everything)));
 }
 
 TEST_F(MainScreen, OfflineRunFillsTheScreenLikeAReadOrSaysWhyAndClearsIt) {
