@@ -102,7 +102,7 @@ std::string WireLines(const WireChunk& chunk, bool wholeBlocks) {
 }
 
 WireFile::WireFile(const std::string& path, bool wholeBlocks)
-    : out_(path, std::ios::binary | std::ios::trunc), wholeBlocks_(wholeBlocks) {
+    : out_(path, std::ios::binary | std::ios::app), wholeBlocks_(wholeBlocks) {
     if (!out_) throw std::runtime_error("The trace file " + path + " cannot be written.");
 }
 

@@ -29,7 +29,8 @@ public:
 // wholeBlocks asks for its bytes.
 std::string WireLines(const WireChunk& chunk, bool wholeBlocks);
 
-// A file of the lines, each chunk written through at once.
+// A file of the lines, added behind what it holds (each opening of a port
+// starts with a note), each chunk written through at once.
 class WireFile final : public WireSink {
 public:
     // Throws std::runtime_error when the file cannot be made.

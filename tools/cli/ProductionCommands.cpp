@@ -10,6 +10,7 @@
 
 #include "Commands.h"
 #include "ProgramVersion.h"
+#include "TracedPort.h"
 #include "ProgressBoard.h"
 #include "link/DeviceEvents.h"
 #include "link/SystemInventory.h"
@@ -44,9 +45,11 @@ std::string ThisProgram() {
 // module gets the bytes whose SHA-256 the log names.
 std::vector<std::string> JobCommand(const ProductionOptions& options, const FirmwareFile& firmware,
                                     const ModuleJob& job) {
-    if (job.Step == JobStep::EnterBoot) return {ThisProgram(), "boot", "--port", job.Port, "--json"};
-    std::vector<std::string> argv = {ThisProgram(), "flash", "--port", job.Port, firmware.CopyPath(), "--json",
-                                     "--progress-json"};
+    std::vector<std::string> argv = {ThisProgram(), "boot", "--port", job.Port, "--json"};
+    if (job.Step != JobStep::EnterBoot)
+        argv = {ThisProgram(), "flash", "--port", job.Port, firmware.CopyPath(), "--json", "--progress-json"};
+    for (auto& argument : TraceArguments(job.Port)) argv.push_back(std::move(argument));
+    if (job.Step == JobStep::EnterBoot) return argv;
     if (options.production) argv.push_back("--production");
     if (options.runAfter) argv.push_back("--run-after");
     return argv;
@@ -235,6 +238,7 @@ void AddStationCommand(CLI::App& app) {
     CLI::App* station = app.add_subcommand(
         "station", "Wait for modules and program each one as it is plugged in, until Ctrl-C or --count");
     station->add_option("file", options->file, "The firmware file (*.cod), read once at the start")->required();
+    AddTraceOptions(station);
     station->add_flag("--production", options->production,
                       "Behind each successful download add the production record to sniffer.ini");
     station->add_flag("--run-after", options->runAfter, "Start the firmware of each programmed module with RUN");
