@@ -38,11 +38,11 @@ inline constexpr int kExitModuleFailed = 23;  // flash --all, station: a module 
 inline constexpr int kExitNoLog = 24;
 inline constexpr int kExitFirmwareChanged = 25;
 // doctor: the first kind of trouble it found.
-inline constexpr int kExitDoctorAccess = 40;
+inline constexpr int kExitDoctorAccess = 40;  // also a file or folder of the program
 inline constexpr int kExitDoctorOtherProgram = 41;
 inline constexpr int kExitDoctorMode = 42;
-inline constexpr int kExitDoctorFolder = 43;
-inline constexpr int kExitDoctorNoModule = 44;
+inline constexpr int kExitDoctorNoModule = 43;
+inline constexpr int kExitBundleCannotWrite = 44;
 
 struct ExitStatus {
     int Code;
@@ -75,11 +75,11 @@ inline constexpr ExitStatus kExitStatuses[] = {
     {kExitModuleFailed, "a module of the run was not programmed"},
     {kExitNoLog, "the log file cannot be written"},
     {kExitFirmwareChanged, "the firmware file changed or went away while the station ran"},
-    {kExitDoctorAccess, "doctor: no access to the module's port, or the udev rule missing"},
+    {kExitDoctorAccess, "doctor: no access to the module's port or to the program's files, or the udev rule missing"},
     {kExitDoctorOtherProgram, "doctor: another program gets between (ModemManager, brltty, a program holding the port)"},
     {kExitDoctorMode, "doctor: the module is in the other mode"},
-    {kExitDoctorFolder, "doctor: a file or folder of the program cannot be written"},
     {kExitDoctorNoModule, "doctor: no module found"},
+    {kExitBundleCannotWrite, "the support bundle cannot be written"},
 };
 
 inline constexpr int ExitStatusOf(ConfigFault fault) {

@@ -1,3 +1,4 @@
+#include <QtGlobal>
 #include <iostream>
 #include <memory>
 
@@ -8,9 +9,14 @@
 #include "config/Latin1Text.h"
 #include "link/QtSerialPort.h"
 #include "link/SystemInventory.h"
+#include "ProgramVersion.h"
+#include "configfiles/ConfigHistory.h"
+#include "helpers/WholeFile.h"
 #include "support/DoctorReport.h"
+#include "support/SupportBundle.h"
 
 // doctor: why a module cannot be reached, and what puts it right.
+// support-bundle: that, and what support needs besides, in one archive.
 namespace sb::cli {
 namespace {
 
@@ -27,7 +33,7 @@ int ExitStatusOf(support::Trouble trouble) {
         case support::Trouble::Access: return kExitDoctorAccess;
         case support::Trouble::OtherProgram: return kExitDoctorOtherProgram;
         case support::Trouble::Mode: return kExitDoctorMode;
-        case support::Trouble::Folder: return kExitDoctorFolder;
+        case support::Trouble::Folder: return kExitDoctorAccess;
         case support::Trouble::NoModule: return kExitDoctorNoModule;
     }
     return kExitUsage;
@@ -64,9 +70,52 @@ void PrintSafeLines(const std::string& text) {
     std::cout.flush();
 }
 
+struct BundleOptions {
+    std::string file;
+    std::string trace;
+    std::string log;
+    bool withVin = false;
+};
+
+void SupportBundle(const BundleOptions& options) {
+    const support::LocalSystem system;
+    support::BundleSources sources;
+    sources.Findings = support::RunDoctor(system, DoctorRequestFor("", ModuleMode::None, options.log));
+    sources.Versions = std::string("servicebay-cli ") + kProgramVersion + "\nQt " + qVersion() + "\n" +
+                       support::SystemVersions(system);
+    sources.HistoryRoot = HistoryRoot();
+    sources.LogPaths = support::ProgramFiles();
+    if (!options.log.empty()) sources.LogPaths.push_back(options.log);
+    sources.WithVin = options.withVin;
+    std::string trace;
+    std::error_code failure;
+    if (options.trace.empty())
+        sources.WireTraceMissing = "no trace file was given (--trace-file)";
+    else if (ReadWholeFile(options.trace, trace, support::kBundlePartLimit * 4, &failure) == WholeFileRead::Complete)
+        sources.WireTrace = std::move(trace);
+    else
+        sources.WireTraceMissing = options.trace + " cannot be read" + (failure ? ": " + failure.message() : "");
+    try {
+        support::WriteSupportBundle(options.file, sources);
+    } catch (const std::runtime_error& error) {
+        std::cerr << Latin1ToTerminal(error.what()) << '\n';
+        throw CLI::RuntimeError(kExitBundleCannotWrite);
+    }
+    std::cout << "Support bundle written to " << Latin1ToTerminal(options.file) << '\n';
+}
+
 }  // namespace
 
 void AddSupportCommands(CLI::App& app) {
+    auto bundle = std::make_shared<BundleOptions>();
+    CLI::App* bundleCommand = app.add_subcommand(
+        "support-bundle", "Write the doctor's findings, versions, a wire trace and the last read into one archive");
+    bundleCommand->add_option("file", bundle->file, "The archive to write (.tar.gz)")->required();
+    bundleCommand->add_option("--trace-file", bundle->trace, "A wire trace written with --trace, to go in");
+    bundleCommand->add_option("--log", bundle->log, "A production log whose path goes in");
+    bundleCommand->add_flag("--with-vin", bundle->withVin, "Keep the module's VIN in the configuration and the trace");
+    bundleCommand->callback([bundle] { SupportBundle(*bundle); });
+
     auto options = std::make_shared<DoctorOptions>();
     CLI::App* doctor = app.add_subcommand(
         "doctor", "Look for what keeps a module from being reached, and say how to put it right");
