@@ -5,6 +5,7 @@
 
 #include "ProgramVersion.h"
 #include "mainscreen/DiagnoseDialog.h"
+#include "mainscreen/SupportBundleSave.h"
 #include "ui/Guarded.h"
 #include "ui/Named.h"
 
@@ -29,6 +30,8 @@ void AddHelpMenu(QMainWindow& window) {
     QMenu* help = Named(window.menuBar()->addMenu(QStringLiteral("Help")), "mnuHelp");
     QAction* diagnose = Named(help->addAction(QStringLiteral("Diagnose connection…")), "mnuDiagnose");
     QObject::connect(diagnose, &QAction::triggered, &window, Guarded([&window] { ShowDiagnosis(&window); }));
+    QAction* bundle = Named(help->addAction(QStringLiteral("Save support bundle…")), "mnuSupportBundle");
+    QObject::connect(bundle, &QAction::triggered, &window, Guarded([&window] { SaveSupportBundle(&window); }));
     QAction* about = Named(help->addAction(QStringLiteral("About ServiceBay")), "mnuAbout");
     QObject::connect(about, &QAction::triggered, &window,
                      [&window] { QMessageBox::about(&window, QStringLiteral("About ServiceBay"), AboutText()); });

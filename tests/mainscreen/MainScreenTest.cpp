@@ -2,6 +2,7 @@
 // the offline run from a catalog file, the option tree, the list of
 // configurations and the value edit forms as mouse, keyboard and a scripted
 // technician work them, the File menu, and the screen's end.
+#include <QFileDialog>
 #include <QRadioButton>
 #include <filesystem>
 
@@ -11,6 +12,7 @@
 #include "mainscreen/CompareDialog.h"
 #include "mainscreen/ConfigFileChooser.h"
 #include "mainscreen/UpdateScreens.h"
+#include "mainscreen/WindowTrace.h"
 #include "support/DoctorReport.h"
 
 namespace sb::test {
@@ -45,14 +47,27 @@ TEST_F(MainScreen, StartsWithOnlyReadInfoAndBoxesThatOnlyShow) {
 
 // Help's diagnosis shows the doctor's findings of this machine.
 TEST_F(MainScreen, DiagnosisShowsTheDoctorsFindings) {
-    ModalScript dialogs;
     std::string shown;
-    dialogs.Then([&shown](QDialog& dialog) {
+    modal.Then([&shown](QDialog& dialog) {
         shown = dialog.findChild<QPlainTextEdit*>(QStringLiteral("txtFindings"))->toPlainText().toStdString();
     });
     form.findChild<QAction*>(QStringLiteral("mnuDiagnose"))->trigger();
     const support::DoctorRequest everything{"", "", ModuleMode::None, support::ProgramFiles()};
     EXPECT_EQ(shown, support::FindingsText(support::RunDoctor(support::LocalSystem(), everything)));
+}
+
+// Help's support bundle carries the window's wire traffic to where the user chose.
+TEST_F(MainScreen, SupportBundleHoldsTheWindowsTrace) {
+    ui::WindowWireTrace().Take({0, support::WireDirection::Out, "GETSN\r"});
+    const std::string bundle = folder.File("b.tar.gz");
+    modal.Then([&bundle](QDialog& dialog) {
+        static_cast<QFileDialog&>(dialog).selectFile(QString::fromStdString(bundle));
+        dialog.accept();
+    });
+    form.findChild<QAction*>(QStringLiteral("mnuSupportBundle"))->trigger();
+    ASSERT_EQ(messages.texts, std::vector<std::string>{"Support bundle written to " + bundle});
+    ASSERT_EQ(std::system(("tar -xzf " + bundle + " -C " + folder.File("")).c_str()), 0);
+    EXPECT_NE(TempFolder::Read(folder.File("servicebay-support/wire-trace.txt")).find("|GETSN\\r|"), std::string::npos);
 }
 
 TEST_F(MainScreen, OfflineRunFillsTheScreenLikeAReadOrSaysWhyAndClearsIt) {
