@@ -11,14 +11,15 @@
 namespace sb::support {
 
 // What kind of trouble a finding names; the command line ends with a status
-// for the first kind found, in this order.
+// for the first kind found, in this order: without a module the rest says
+// little.
 enum class Trouble {
     None,
+    NoModule,      // no module is plugged in, or the port is none of the module's
     Access,        // rights on the device node, the udev rule
     OtherProgram,  // ModemManager, brltty, a program holding the port
     Mode,          // the module runs where its boot loader is needed, or the reverse
     Folder,        // a folder the program writes cannot be written
-    NoModule,      // no module is plugged in
 };
 
 struct Finding {
