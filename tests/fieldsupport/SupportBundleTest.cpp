@@ -33,8 +33,8 @@ support::BundleSources Sources(const test::TempFolder& folder) {
     support::BundleSources sources;
     sources.Findings = {{"access", support::Trouble::Access, "no rights", "usermod"}};
     sources.Versions = "servicebay 1\n";
-    sources.WireTrace = std::string("[     0.1] > 47 45 54 56 49 4E 0D |GETVIN\\r|\n[     0.2] < 47 |GETVIN\\r\\n") + kVin +
-                        "|\n[     0.3] < 3E 20 |\\r\\n> |\n[     0.4] > 52 |RUN\\r|\n";
+    sources.WireTrace = std::string("[     0.1] > 47 45 54 56 49 4E 0D |GETVIN\\r|\n[     0.2] < 47 |GETVIN\\r\\n|\n") +
+                        "[     0.3] < 57 |" + kVin + "\\r\\n> |\n[     0.4] > 52 |RUN\\r|\n";
     sources.HistoryRoot = folder.File("history");
     sources.LogPaths = {"/var/log/line.log"};
     return sources;
