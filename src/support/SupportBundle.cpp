@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <stdexcept>
@@ -103,14 +104,11 @@ nlohmann::ordered_json Manifest(const std::vector<Part>& parts) {
 
 class Archive {
 public:
-    explicit Archive(const std::string& path) : path_(path), archive_(::archive_write_new()) {
-        if (!archive_ || ::archive_write_add_filter_gzip(archive_) != ARCHIVE_OK ||
-            ::archive_write_set_format_pax_restricted(archive_) != ARCHIVE_OK ||
-            ::archive_write_open_filename(archive_, path.c_str()) != ARCHIVE_OK)
+    explicit Archive(const std::string& path) : path_(path) {
+        if (!archive_ || ::archive_write_add_filter_gzip(archive_.get()) != ARCHIVE_OK ||
+            ::archive_write_set_format_pax_restricted(archive_.get()) != ARCHIVE_OK ||
+            ::archive_write_open_filename(archive_.get(), path.c_str()) != ARCHIVE_OK)
             Fail();
-    }
-    ~Archive() {
-        if (archive_) ::archive_write_free(archive_);
     }
     void Add(const std::string& name, const std::string& content) {
         archive_entry* entry = ::archive_entry_new();
@@ -119,23 +117,23 @@ public:
         ::archive_entry_set_filetype(entry, AE_IFREG);
         ::archive_entry_set_perm(entry, 0644);
         ::archive_entry_set_mtime(entry, std::time(nullptr), 0);
-        const bool written = ::archive_write_header(archive_, entry) == ARCHIVE_OK &&
-                             ::archive_write_data(archive_, content.data(), content.size()) ==
+        const bool written = ::archive_write_header(archive_.get(), entry) == ARCHIVE_OK &&
+                             ::archive_write_data(archive_.get(), content.data(), content.size()) ==
                                  static_cast<la_ssize_t>(content.size());
         ::archive_entry_free(entry);
         if (!written) Fail();
     }
     void Close() {
-        if (::archive_write_close(archive_) != ARCHIVE_OK) Fail();
+        if (::archive_write_close(archive_.get()) != ARCHIVE_OK) Fail();
     }
 
 private:
     [[noreturn]] void Fail() {
-        const char* why = archive_ ? ::archive_error_string(archive_) : nullptr;
+        const char* why = archive_ ? ::archive_error_string(archive_.get()) : nullptr;
         throw std::runtime_error(path_ + " cannot be written: " + (why ? why : "out of memory"));
     }
     std::string path_;
-    archive* archive_;
+    std::unique_ptr<archive, int (*)(archive*)> archive_{::archive_write_new(), ::archive_write_free};
 };
 
 }  // namespace
