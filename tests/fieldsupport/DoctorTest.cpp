@@ -63,7 +63,6 @@ TEST(Doctor, FindsTheProcessThatHoldsAPort) {
 
     ASSERT_EQ(before.size(), 1u);
     EXPECT_NE(before[0].What.find("(pid " + std::to_string(child) + ")"), std::string::npos) << before[0].What;
-    EXPECT_EQ(before[0].Fix.substr(before[0].Fix.size() - 5 - std::to_string(child).size()), "kill " + std::to_string(child));
     ASSERT_EQ(after.size(), 1u);
     EXPECT_EQ(after[0].Kind, support::Trouble::None);
 }
