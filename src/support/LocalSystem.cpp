@@ -51,10 +51,15 @@ uint32_t LittleEndian(const unsigned char* at, int bytes) {
 std::optional<std::string> LocalSystem::Read(const std::string& path) const {
     std::ifstream in(path, std::ios::binary);
     if (!in) return std::nullopt;
-    std::string text(kReadLimit, '\0');
-    in.read(text.data(), static_cast<std::streamsize>(text.size()));
+    // Files of /proc and /sys tell no size: read them piece by piece.
+    std::string text;
+    char piece[4096];
+    while (text.size() < kReadLimit) {
+        in.read(piece, sizeof piece);
+        text.append(piece, static_cast<std::size_t>(in.gcount()));
+        if (!in) break;
+    }
     if (in.bad()) return std::nullopt;
-    text.resize(static_cast<std::size_t>(in.gcount()));
     return text;
 }
 
