@@ -4,14 +4,13 @@
 
 #include "Commands.h"
 #include "JsonOutput.h"
-#include "SerialChoice.h"
-#include "TerminalLines.h"
-#include "config/Latin1Text.h"
-#include "link/QtSerialPort.h"
-#include "link/SystemInventory.h"
 #include "ProgramVersion.h"
+#include "SerialChoice.h"
+#include "config/Latin1Text.h"
 #include "configfiles/ConfigHistory.h"
 #include "helpers/WholeFile.h"
+#include "link/QtSerialPort.h"
+#include "link/SystemInventory.h"
 #include "support/DoctorReport.h"
 #include "support/SupportBundle.h"
 
