@@ -41,6 +41,9 @@ void SaveSupportBundle(QWidget* parent) {
     sources.WireTrace = WindowWireTrace().Text();
     sources.HistoryRoot = HistoryRoot();
     sources.LogPaths = support::ProgramFiles();
+    // The VIN names a vehicle: it goes in only when the user says so.
+    sources.WithVin = ShowMessage("Put the module's VIN into the support bundle?\r\nOK: with the VIN, Cancel: without it.",
+                                  MessageButtons::OkCancel) == MessageAnswer::Ok;
     try {
         support::WriteSupportBundle(path, sources);
         ShowMessage("Support bundle written to " + path);
