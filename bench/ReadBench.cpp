@@ -1,4 +1,5 @@
-// servicebay-bench-read [RUNS]: the read of a module that answers at once.
+// servicebay-bench-read [RUNS] [traced]: the read of a module that answers at
+// once; "traced" reads through the wire trace into a ring, as the window does.
 // A thread plays the module on a pseudo-terminal's master: for each command
 // line it writes the echo, LF, an answer and the prompt in one write. The
 // program opens the slave as "Read info" does, waits the 500 ms behind the
@@ -26,6 +27,7 @@
 #include "link/PortSettings.h"
 #include "link/QtSerialPort.h"
 #include "link/ReadModule.h"
+#include "support/TracingPort.h"
 #include "ui/QtWaitContext.h"
 
 namespace {
@@ -57,6 +59,8 @@ double Ms(Clock::duration d) { return std::chrono::duration<double, std::milli>(
 
 int main(int argc, char** argv) {
     const int runs = argc > 1 ? std::atoi(argv[1]) : 7;
+    const bool traced = argc > 2 && std::string(argv[2]) == "traced";
+    sb::support::WireRing ring(256 * 1024);
     QCoreApplication app(argc, argv);
     sb::ui::QtWaitContext waits;
     sb::SetWaitContext(&waits);
@@ -69,7 +73,9 @@ int main(int argc, char** argv) {
 
     std::vector<double> exchanges;
     for (int run = 0; run < runs; ++run) {
-        sb::QtSerialPort port;
+        std::unique_ptr<sb::SerialPort> owner = std::make_unique<sb::QtSerialPort>();
+        if (traced) owner = std::make_unique<sb::support::TracingPort>(std::move(owner), ring);
+        sb::SerialPort& port = *owner;
         sb::PlainStatusText status;
         const auto opened = Clock::now();
         sb::OpenPort(port, slave, sb::kSettings300);
@@ -90,6 +96,7 @@ int main(int argc, char** argv) {
     stop = true;
     module.join();
     std::sort(exchanges.begin(), exchanges.end());
+    std::printf("%s", traced ? "traced into a ring; " : "");
     std::printf("eleven exchanges, ms: best %.2f, median %.2f, worst %.2f (a poll of 10 ms and more each)\n",
                 exchanges.front(), exchanges[exchanges.size() / 2], exchanges.back());
     sb::SetWaitContext(nullptr);

@@ -7,7 +7,8 @@ packages=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev qt6-base-dev-tools qt6-serialport-dev libgl-dev
   qt6-qpa-plugins fonts-dejavu-core
-  libpugixml-dev libcli11-dev nlohmann-json3-dev libudev-dev
+  libpugixml-dev libcli11-dev nlohmann-json3-dev libudev-dev libarchive-dev
+  umockdev libumockdev-dev libarchive-tools
   libgtest-dev libgmock-dev libbenchmark-dev
   clang libclang-rt-14-dev
   lrzsz socat xvfb xauth x11-apps imagemagick

@@ -4,6 +4,9 @@
 #include <QMessageBox>
 
 #include "ProgramVersion.h"
+#include "mainscreen/DiagnoseDialog.h"
+#include "mainscreen/SupportBundleSave.h"
+#include "ui/Guarded.h"
 #include "ui/Named.h"
 
 namespace sb::ui {
@@ -25,6 +28,10 @@ QString AboutText() {
 
 void AddHelpMenu(QMainWindow& window) {
     QMenu* help = Named(window.menuBar()->addMenu(QStringLiteral("Help")), "mnuHelp");
+    QAction* diagnose = Named(help->addAction(QStringLiteral("Diagnose connection…")), "mnuDiagnose");
+    QObject::connect(diagnose, &QAction::triggered, &window, Guarded([&window] { ShowDiagnosis(&window); }));
+    QAction* bundle = Named(help->addAction(QStringLiteral("Save support bundle…")), "mnuSupportBundle");
+    QObject::connect(bundle, &QAction::triggered, &window, Guarded([&window] { SaveSupportBundle(&window); }));
     QAction* about = Named(help->addAction(QStringLiteral("About ServiceBay")), "mnuAbout");
     QObject::connect(about, &QAction::triggered, &window,
                      [&window] { QMessageBox::about(&window, QStringLiteral("About ServiceBay"), AboutText()); });

@@ -12,10 +12,11 @@
 
 #include "helpers/HexText.h"
 #include "helpers/QuietStep.h"
-#include "link/QtSerialPort.h"
+#include "link/SystemInventory.h"
 #include "mainscreen/ConfigOptionsFile.h"
 #include "mainscreen/HelpMenu.h"
 #include "mainscreen/UpdateScreens.h"
+#include "mainscreen/WindowTrace.h"
 #include "ui/Guarded.h"
 #include "ui/Named.h"
 #include "ui/ShowOnly.h"
@@ -45,7 +46,7 @@ frmDeviceCofigurator::frmDeviceCofigurator(std::string configOptionsPath, QWidge
     ConnectEvents();
     // The load of the form: ComPort is MSComm1; the selection dialog is
     // loaded, hidden, and scans once. Nothing touches a module yet.
-    portControl_ = std::make_unique<frmPortControl>();
+    portControl_ = std::make_unique<frmPortControl>(MakePortInventory(), MakeTracedPort());
 }
 
 frmDeviceCofigurator::~frmDeviceCofigurator() { Unload(); }
@@ -127,9 +128,7 @@ void frmDeviceCofigurator::BuildControls() {
     StatusBar = Named(statusBar(), "StatusBar");
     status_ = std::make_unique<StatusBarText>(*StatusBar);
 
-    auto port = std::make_unique<QtSerialPort>();
-    port->setObjectName(QStringLiteral("MSComm1"));
-    MSComm1 = std::move(port);
+    MSComm1 = MakeTracedPort();
 
     tree_ = std::make_unique<QtOptionTree>(*tvOptions);
     events_ = std::make_unique<TreeEvents>(device_, *tree_, editForms_,

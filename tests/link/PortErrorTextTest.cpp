@@ -14,7 +14,7 @@ TEST(PortErrorText, PutsThePortsFailureOnASecondLineWithAPointerIntoTheReadme) {
     EXPECT_EQ(PortErrorText("X", PortError("gone", "")).substr(0, 8), "X\r\ngone ");
 
     // The section it names is there.
-    const std::string section = text.substr(pointer + 15, text.size() - pointer - 17);
+    const std::string section = text.substr(pointer + 15, text.find('"', pointer + 15) - pointer - 15);
     const std::string readme = test::TempFolder::Read(std::string(std::getenv("SB_SOURCE_DIR")) + "/README.md");
     EXPECT_NE(readme.find("\n## " + section + "\n"), std::string::npos) << section;
 }

@@ -2,6 +2,7 @@
 // the offline run from a catalog file, the option tree, the list of
 // configurations and the value edit forms as mouse, keyboard and a scripted
 // technician work them, the File menu, and the screen's end.
+#include <QFileDialog>
 #include <QRadioButton>
 #include <QTableWidget>
 #include <filesystem>
@@ -12,6 +13,8 @@
 #include "mainscreen/CompareDialog.h"
 #include "mainscreen/ConfigFileChooser.h"
 #include "mainscreen/UpdateScreens.h"
+#include "mainscreen/WindowTrace.h"
+#include "support/DoctorReport.h"
 
 namespace sb::test {
 namespace {
@@ -41,6 +44,32 @@ TEST_F(MainScreen, StartsWithOnlyReadInfoAndBoxesThatOnlyShow) {
     for (QWidget* box : form.findChildren<QPlainTextEdit*>()) EXPECT_FALSE(box->isEnabled());
     for (QWidget* box : form.findChildren<QLineEdit*>()) EXPECT_FALSE(box->isEnabled());
     EXPECT_TRUE(form.Command1->isHidden());
+}
+
+// Help's diagnosis shows the doctor's findings of this machine.
+TEST_F(MainScreen, DiagnosisShowsTheDoctorsFindings) {
+    std::string shown;
+    modal.Then([&shown](QDialog& dialog) {
+        shown = dialog.findChild<QPlainTextEdit*>(QStringLiteral("txtFindings"))->toPlainText().toStdString();
+    });
+    form.findChild<QAction*>(QStringLiteral("mnuDiagnose"))->trigger();
+    const support::DoctorRequest everything{"", "", ModuleMode::None, support::ProgramFiles()};
+    EXPECT_EQ(shown, support::FindingsText(support::RunDoctor(support::LocalSystem(), everything)));
+}
+
+// Help's support bundle carries the window's wire traffic to where the user chose.
+TEST_F(MainScreen, SupportBundleHoldsTheWindowsTrace) {
+    ui::WindowWireTrace().Take({0, support::WireDirection::Out, "GETSN\r"});
+    const std::string bundle = folder.File("b.tar.gz");
+    modal.Then([&bundle](QDialog& dialog) {
+        static_cast<QFileDialog&>(dialog).selectFile(QString::fromStdString(bundle));
+        dialog.accept();
+    });
+    form.findChild<QAction*>(QStringLiteral("mnuSupportBundle"))->trigger();
+    ASSERT_EQ(messages.texts.size(), 2u);
+    ASSERT_EQ(messages.texts[1], "Support bundle written to " + bundle);
+    ASSERT_EQ(std::system(("tar -xzf " + bundle + " -C " + folder.File("")).c_str()), 0);
+    EXPECT_NE(TempFolder::Read(folder.File("servicebay-support/wire-trace.txt")).find("|GETSN\\r|"), std::string::npos);
 }
 
 TEST_F(MainScreen, OfflineRunFillsTheScreenLikeAReadOrSaysWhyAndClearsIt) {

@@ -44,6 +44,12 @@ inline constexpr int kExitRecipeBadField = 31;
 inline constexpr int kExitRecipeFileMissing = 32;
 inline constexpr int kExitRecipeHashDiffers = 33;
 inline constexpr int kExitRecipeStepFailed = 34;
+// doctor: the first kind of trouble it found.
+inline constexpr int kExitDoctorAccess = 40;  // also a file or folder of the program
+inline constexpr int kExitDoctorOtherProgram = 41;
+inline constexpr int kExitDoctorMode = 42;
+inline constexpr int kExitDoctorNoModule = 43;
+inline constexpr int kExitBundleCannotWrite = 44;
 
 struct ExitStatus {
     int Code;
@@ -81,6 +87,11 @@ inline constexpr ExitStatus kExitStatuses[] = {
     {kExitRecipeFileMissing, "a file of the recipe missing, unreadable or refused"},
     {kExitRecipeHashDiffers, "a file of the recipe has another SHA-256 than the recipe gives"},
     {kExitRecipeStepFailed, "the module failed a step of the recipe"},
+    {kExitDoctorAccess, "doctor: no access to the module's port or to the program's files, or the udev rule missing"},
+    {kExitDoctorOtherProgram, "doctor: another program gets between (ModemManager, brltty, a program holding the port)"},
+    {kExitDoctorMode, "doctor: the module is in the other mode"},
+    {kExitDoctorNoModule, "doctor: no module found"},
+    {kExitBundleCannotWrite, "the support bundle cannot be written"},
 };
 
 inline constexpr int ExitStatusOf(ConfigFault fault) {
@@ -113,5 +124,6 @@ void AddRecipeCommands(CLI::App& app);   // recipe check
 // The recipe at path when nothing speaks against it; otherwise every reason
 // on standard error, and the exit status of the first one.
 Recipe RecipeOrFail(const std::string& path);
+void AddSupportCommands(CLI::App& app);  // doctor, support-bundle
 
 }  // namespace sb::cli

@@ -15,6 +15,7 @@
 #include "helpers/Waiting.h"
 #include "link/CommandSet.h"
 #include "link/PortErrorText.h"
+#include "TracedPort.h"
 #include "link/QtSerialPort.h"
 #include "link/ReadModule.h"
 #include "link/Terminal.h"
@@ -40,7 +41,8 @@ struct FileOptions {
 
 // The exchanges of info, then the answers taken as a configuration.
 LoadedConfig ReadModuleConfig(const std::string& portName) {
-    QtSerialPort port;
+    const auto portOwner = MakePort();
+    SerialPort& port = *portOwner;
     PlainStatusText status;
     try {
         OpenPort(port, portName, kSettings300);
@@ -109,6 +111,7 @@ void AddConfigFileCommands(CLI::App& app) {
     auto saveOptions = std::make_shared<FileOptions>();
     CLI::App* save = app.add_subcommand("save", "Read a module in boot mode and keep its configuration in a file");
     AddPortOrSerial(save, saveOptions->port, WantedMode::Boot);
+    AddTraceOptions(save);
     save->add_option("file", saveOptions->files, "The configuration file to write (*.sbconf)")->required()->expected(1);
     save->callback([saveOptions] { Save(*saveOptions); });
 
@@ -118,6 +121,7 @@ void AddConfigFileCommands(CLI::App& app) {
     diff->add_option("files", diffOptions->files, "A and B: configuration files (*.sbconf)")->expected(1, 2);
     // --port (or --serial) reads the module as A when it stands before the file, else as B.
     AddPortOrSerial(diff, diffOptions->port, WantedMode::Boot, nullptr, PortNeed::Optional);
+    AddTraceOptions(diff);
     diff->add_flag("--json", diffOptions->json, "Print the result as one JSON object");
     diff->callback([diffOptions, diff] { Diff(*diffOptions, *diff); });
 }

@@ -18,6 +18,7 @@
 #include "link/ModeSwitch.h"
 #include "link/PortErrorText.h"
 #include "link/PortLists.h"
+#include "TracedPort.h"
 #include "link/QtSerialPort.h"
 #include "link/ReadModule.h"
 #include "link/SystemInventory.h"
@@ -128,7 +129,8 @@ void OpenOrFail(SerialPort& port, const std::string& name, const char* caption) 
 }
 
 void Info(const DeviceOptions& options) {
-    QtSerialPort port;
+    const auto portOwner = MakePort();
+    SerialPort& port = *portOwner;
     ErrorStreamStatus status(options.verbose);
     OpenOrFail(port, options.port, "CommPort Error");
     WaitMs(kReadSettleMs);
@@ -206,7 +208,8 @@ void ReportArrival(const std::optional<PortListItem>& arrived, ModuleMode mode, 
 
 void Boot(const DeviceOptions& options) {
     const PortListState before = ScanNow();
-    QtSerialPort port;
+    const auto portOwner = MakePort();
+    SerialPort& port = *portOwner;
     if (const auto failure = SwitchToBoot(port, options.port))
         Fail(kExitNoModule, PortErrorText("CommPort Error", *failure));
     ReportArrival(WaitForArrival(ModuleMode::Boot, before.BootList, options.waitSeconds), ModuleMode::Boot, options);
@@ -214,7 +217,8 @@ void Boot(const DeviceOptions& options) {
 
 void Run(const DeviceOptions& options) {
     const PortListState before = ScanNow();
-    QtSerialPort port;
+    const auto portOwner = MakePort();
+    SerialPort& port = *portOwner;
     ErrorStreamStatus status(options.verbose);
     std::optional<std::string> answer;
     if (const auto failure =
@@ -246,7 +250,8 @@ void Write(const DeviceOptions& options) {
     const std::string data =
         options.file.empty() ? NormalizeHex(options.hex) : ReadConfigFile(options.file).Document.Image;
     if (data.empty()) Fail(kExitUsage, "Error! Config was not set\r\nWrong data context!");
-    QtSerialPort port;
+    const auto portOwner = MakePort();
+    SerialPort& port = *portOwner;
     ErrorStreamStatus status(options.verbose);
     OpenOrFail(port, options.port, "COMPort Error");
     std::optional<DeviceInfo> module;
@@ -292,6 +297,7 @@ CLI::App* AddCommand(CLI::App& app, const char* name, const char* description,
 void AddPortOption(CLI::App* command, const std::shared_ptr<DeviceOptions>& options,
                    WantedMode wanted = WantedMode::Boot) {
     AddPortOrSerial(command, options->port, wanted);
+    AddTraceOptions(command);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "TerminalLines.h"
 #include "link/ModeSwitch.h"
 #include "link/PortErrorText.h"
+#include "TracedPort.h"
 #include "link/QtSerialPort.h"
 #include "link/SystemInventory.h"
 #include "production/ChildReport.h"
@@ -176,7 +177,8 @@ int Conclude(const UpdateOutcome& outcome) {
 
 // RUN behind a successful download; the module leaves its boot loader.
 void StartFirmware(const std::string& portName) {
-    QtSerialPort port;
+    const auto portOwner = MakePort();
+    SerialPort& port = *portOwner;
     PlainStatusText status;
     if (const auto failure = SwitchToRunning(port, portName, status, [](const std::string&) {}))
         std::cerr << TerminalLines(PortErrorText("CommPort Error", *failure)) << '\n';
@@ -240,7 +242,8 @@ void FlashByRecipe(const FlashOptions& options, SerialPort& port, StatusText& st
 }
 
 void Flash(const FlashOptions& options) {
-    QtSerialPort port;
+    const auto portOwner = MakePort();
+    SerialPort& port = *portOwner;
     PlainStatusText status;
     ProgressView progress(::isatty(STDERR_FILENO) != 0);
     std::vector<std::string> messages;
@@ -292,6 +295,7 @@ void AddFlashCommand(CLI::App& app) {
         app.add_subcommand("flash", "Download a firmware file into a module in boot mode (CR BOOT CR, then XMODEM-1K)");
     AddPortOrSerial(flash, options->port, WantedMode::Boot, AddFlashAllOptions(flash, *many));
     flash->add_option("file", options->file, "The firmware file (*.cod); with --recipe, the recipe's by default");
+    AddTraceOptions(flash);
     CLI::Option* production = flash->add_flag("--production", options->production,
                                               "Behind a successful download add the production record to sniffer.ini");
     flash->add_option("--retries", options->retries, "Try a failed download again up to N times (default 0)")

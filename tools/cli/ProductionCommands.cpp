@@ -10,6 +10,7 @@
 
 #include "Commands.h"
 #include "ProgramVersion.h"
+#include "TracedPort.h"
 #include "ProgressBoard.h"
 #include "link/DeviceEvents.h"
 #include "link/SystemInventory.h"
@@ -44,9 +45,11 @@ std::string ThisProgram() {
 // module gets the bytes whose SHA-256 the log names.
 std::vector<std::string> JobCommand(const ProductionOptions& options, const FirmwareFile& firmware,
                                     const ModuleJob& job) {
-    if (job.Step == JobStep::EnterBoot) return {ThisProgram(), "boot", "--port", job.Port, "--json"};
-    std::vector<std::string> argv = {ThisProgram(), "flash", "--port", job.Port, firmware.CopyPath(), "--json",
-                                     "--progress-json"};
+    std::vector<std::string> argv = {ThisProgram(), "boot", "--port", job.Port, "--json"};
+    if (job.Step != JobStep::EnterBoot)
+        argv = {ThisProgram(), "flash", "--port", job.Port, firmware.CopyPath(), "--json", "--progress-json"};
+    for (auto& argument : TraceArguments(job.Port)) argv.push_back(std::move(argument));
+    if (job.Step == JobStep::EnterBoot) return argv;
     // The child checks the recipe again, and the copy's bytes against it.
     if (!options.recipe.empty()) {
         argv.insert(argv.end(), {"--recipe", options.recipe, "--line-child"});
@@ -259,6 +262,7 @@ void AddStationCommand(CLI::App& app) {
     CLI::App* station = app.add_subcommand(
         "station", "Wait for modules and program each one as it is plugged in, until Ctrl-C or --count");
     CLI::Option* file = station->add_option("file", options->file, "The firmware file (*.cod), read once at the start");
+    AddTraceOptions(station);
     CLI::Option* production =
         station->add_flag("--production", options->production,
                           "Behind each successful download add the production record to sniffer.ini");

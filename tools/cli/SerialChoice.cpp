@@ -8,6 +8,7 @@
 #include "helpers/Waiting.h"
 #include "link/ModeSwitch.h"
 #include "link/PortErrorText.h"
+#include "TracedPort.h"
 #include "link/QtSerialPort.h"
 #include "link/SystemInventory.h"
 #include "production/StationBook.h"
@@ -47,7 +48,8 @@ ListedModule TheOneModule(const std::string& serial) {
 }
 
 std::string IntoBootLoader(const ListedModule& module) {
-    QtSerialPort port;
+    const auto portOwner = MakePort();
+    SerialPort& port = *portOwner;
     if (const auto failure = SwitchToBoot(port, module.Port))
         Fail(kExitNoModule, PortErrorText("CommPort Error", *failure));
     for (double waited = 0;; waited += kRescanMs) {

@@ -48,6 +48,7 @@ int main(int argc, char** argv) {
     sb::cli::AddConfigFileCommands(app);
     sb::cli::AddStationCommand(app);
     sb::cli::AddRecipeCommands(app);
+    sb::cli::AddSupportCommands(app);
 
     int status = sb::cli::kExitSuccess;
     try {
