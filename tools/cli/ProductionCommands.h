@@ -17,9 +17,10 @@ struct ProductionOptions {
     bool runAfter = false;
     bool all = false;  // flash only
     int count = 0;     // station only
+    int jobs = 0;      // modules in progress at once; 0: all
 };
 
-// Adds --all, --log and --station to the flash command and returns --all; the
+// Adds --all, --jobs, --log and --station to the flash command and returns --all; the
 // caller runs FlashAll when --all or --log was given.
 CLI::Option* AddFlashAllOptions(CLI::App* flash, ProductionOptions& options);
 // Every module in boot mode, or the one on port.
