@@ -15,6 +15,7 @@
 #include "link/PortErrorText.h"
 #include "link/QtSerialPort.h"
 #include "production/ChildReport.h"
+#include "production/ProgressBatch.h"
 #include "update/SnifferIni.h"
 #include "update/TransferPace.h"
 #include "update/UpdateRun.h"
@@ -28,6 +29,9 @@ namespace sb::cli {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// How often a download tells the program that watches it of its progress.
+constexpr auto kProgressJsonEvery = std::chrono::milliseconds(250);
 
 struct FlashOptions {
     std::string port;
@@ -193,6 +197,10 @@ void Flash(const FlashOptions& options) {
     QtSerialPort port;
     PlainStatusText status;
     ProgressView progress(::isatty(STDERR_FILENO) != 0);
+    ProgressBatch batch(kProgressJsonEvery);
+    const auto tell = [](const std::optional<XmodemProgress>& p) {
+        if (p) std::cout << ProgressLine(*p) << std::flush;
+    };
     std::vector<std::string> messages;
     int retriesLeft = options.retries;
 
@@ -201,7 +209,7 @@ void Flash(const FlashOptions& options) {
     hooks.ChoosePort = [&options] { return options.port; };
     hooks.EnableStart = [](bool) {};
     hooks.Progress = [&](const XmodemProgress& p) {
-        if (options.progressJson) std::cout << ProgressLine(p) << std::flush;
+        if (options.progressJson) tell(batch.Take(p, Clock::now()));
         else progress.Show(p);
     };
     hooks.ShowMessage = [&](const std::string& text, ui::MessageButtons buttons) {
@@ -221,6 +229,7 @@ void Flash(const FlashOptions& options) {
 
     const std::string iniPath = SnifferIniPath();
     const UpdateOutcome outcome = UpdateRun(port, status, hooks).Run(options.production, iniPath);
+    if (options.progressJson) tell(batch.Rest());
     progress.EndLine();
     if (options.json) {
         PrintJson(JsonOutcome(options, outcome, iniPath, messages));
@@ -248,7 +257,7 @@ void AddFlashCommand(CLI::App& app) {
         ->check(CLI::NonNegativeNumber);
     flash->add_flag("--json", options->json, "Print the result as one JSON object");
     flash->add_flag("--progress-json", options->progressJson,
-                    "The progress as one JSON line per block on standard output, for a program that watches");
+                    "The progress as JSON lines on standard output, a few a second, for a program that watches");
     flash->add_flag("--run-after", options->runAfter, "Start the firmware with RUN behind a successful download");
     // With a log, one module's download is a production line of one: the same
     // lines, tries and summary as for many.
