@@ -37,6 +37,9 @@ inline constexpr int kExitSerialAmbiguous = 22;
 inline constexpr int kExitModuleFailed = 23;  // flash --all, station: a module was not programmed
 inline constexpr int kExitNoLog = 24;
 inline constexpr int kExitFirmwareChanged = 25;
+// log: the other files and lines were read.
+inline constexpr int kExitLogUnreadable = 35;
+inline constexpr int kExitLogLineSkipped = 36;
 
 struct ExitStatus {
     int Code;
@@ -69,6 +72,8 @@ inline constexpr ExitStatus kExitStatuses[] = {
     {kExitModuleFailed, "a module of the run was not programmed"},
     {kExitNoLog, "the log file cannot be written"},
     {kExitFirmwareChanged, "the firmware file changed or went away while the station ran"},
+    {kExitLogUnreadable, "a log file cannot be read"},
+    {kExitLogLineSkipped, "a line of a log is no log line and was skipped"},
 };
 
 inline constexpr int ExitStatusOf(ConfigFault fault) {
@@ -96,5 +101,6 @@ void AddConfigFileCommands(CLI::App& app);  // save, diff
 // a catalog document.
 bool IsConfigFilePath(const std::string& path);
 void AddStationCommand(CLI::App& app);   // station
+void AddLogCommand(CLI::App& app);       // log
 
 }  // namespace sb::cli
