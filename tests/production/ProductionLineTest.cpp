@@ -210,6 +210,25 @@ TEST(ProductionLine, KeepsAtMostItsJobsInProgressAndTheOthersWaitTheirTurn) {
     EXPECT_EQ(line.Waiting(), 0u);
 }
 
+// A station stopped while a module waits for its turn: that one is seen but
+// not started, and the station ends once the one in progress has ended.
+TEST(ProductionLine, AStationStoppedTakesBackTheModulesWaitingForTheirTurn) {
+    FakeLine fake;
+    fake.scripts = {{"ttyACM0", "exit 0"}, {"ttyACM1", "exit 0"}};
+    LineSettings settings = fake.Settings();
+    settings.Jobs = 1;
+    Station station({settings, 0, [] { return std::vector<ListedModule>{{"ttyACM0", "SB0", B}, {"ttyACM1", "SB1", B}}; },
+                     {}},
+                    fake.Hooks());
+    station.Refresh();
+    station.Stop();
+    RunOut(station.Line());
+    EXPECT_TRUE(station.Finished());
+    const auto left = station.NotStarted();
+    ASSERT_EQ(left.size(), 1u);
+    EXPECT_EQ(left[0].Port, "ttyACM1");
+}
+
 // The file changes while a module is on its way into its boot loader: the
 // station sees it at its next look, says so and logs it, and the module,
 // once in its boot loader, gets the line of a module left there.
