@@ -89,8 +89,9 @@ one_run() {
     'BEGIN { printf "%d %.1f %s\n", w, c / n, pss }'
 }
 
-# sx -k of the same file into one module: the processor ms of sx alone.
-sx_run() {
+# sx -k of the same file into one module, and one download program as a
+# line starts it: "sx-ms ours-ms", each program alone from its start to its end.
+alone_run() {
   start_modules 1
   cat >"$work/sx.sh" <<'SEND'
 exec 3<>"$1"
@@ -101,14 +102,25 @@ perf stat -e task-clock -x, -o "$3" sx -k "$2" <&3 >&3 2>/dev/null
 SEND
   bash "$work/sx.sh" "$work/port1" "$work/firmware.cod" "$work/sx.perf" || { echo "sx -k failed" >&2; exit 1; }
   stop_modules
-  task_ms "$work/sx.perf"
+  start_modules 1
+  perf stat -e task-clock -x, -o "$work/ours.perf" \
+    "$cli" flash --port "$work/port1" "$work/firmware.cod" --json --progress-json >"$work/out" 2>&1 ||
+    { cat "$work/out" >&2; exit 1; }
+  stop_modules
+  echo "$(task_ms "$work/sx.perf") $(task_ms "$work/ours.perf")"
 }
 
-sx=()
-for _ in $(seq "$runs"); do sx+=("$(sx_run)"); done
+sx=() ours=()
+for _ in $(seq $((runs * 3))); do
+  read -r s o < <(alone_run)
+  sx+=("$s") ours+=("$o")
+done
 sx_ms=$(median "${sx[@]}")
+ours_ms=$(median "${ours[@]}")
 echo "load before: $(cut -d' ' -f1-3 /proc/loadavg)"
-echo "sx -k, 1 MiB into one module: processor ${sx[*]} ms (median $sx_ms)"
+echo "1 MiB into one module, processor ms, each program alone (median of $((runs * 3))):"
+awk -v s="$sx_ms" -v o="$ours_ms" 'BEGIN {
+  printf "  sx -k %.1f, servicebay-cli flash --port --progress-json %.1f: %.2f x sx -k (goal <= 2)\n", s, o, o / s }'
 one=""
 for n in "${counts[@]}"; do
   walls=() cpus=() psss=()
@@ -118,9 +130,9 @@ for n in "${counts[@]}"; do
   done
   wall=$(median "${walls[@]}")
   [ -n "$one" ] || one=$wall
-  awk -v n="$n" -v w="$wall" -v o="$one" -v c="$(median "${cpus[@]}")" -v s="$sx_ms" -v p="$(median "${psss[@]}")" \
+  awk -v n="$n" -v w="$wall" -v o="$one" -v c="$(median "${cpus[@]}")" -v p="$(median "${psss[@]}")" \
     -v all="${walls[*]}" 'BEGIN {
       printf "%2d modules: wall %s ms (median %d, %.2f x the first count; goal <= 1.5)\n", n, all, w, w / o
-      printf "            processor per module %.1f ms (%.2f x sx -k; goal <= 2), Pss per download program %.1f MB (goal <= 8)\n", c, c / s, p / 1024
+      printf "            processor per module, the line'"'"'s own share in it: %.1f ms; Pss per download program %.1f MB (goal <= 8)\n", c, p / 1024
     }'
 done
