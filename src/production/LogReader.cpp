@@ -53,7 +53,8 @@ public:
 
 private:
     void Select(const std::string& name) {
-        static const std::pair<const char*, std::string LogEntry::*> kTexts[] = {
+        // Texts of known length: most keys differ from each in their length.
+        static constexpr std::pair<std::string_view, std::string LogEntry::*> kTexts[] = {
             {"time", &LogEntry::Time},
             {"station", &LogEntry::Station},
             {"run_id", &LogEntry::RunId},
@@ -70,7 +71,10 @@ private:
         field_ = nullptr;
         attempt_ = name == "attempt";
         for (const auto& [key, member] : kTexts)
-            if (name == key) field_ = &(entry_.*member);
+            if (key == name) {
+                field_ = &(entry_.*member);
+                return;
+            }
     }
     // A field of another type than text is taken as absent, as null is.
     bool Scalar() { return depth_ == 0 ? Fault("no JSON object") : true; }
