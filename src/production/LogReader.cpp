@@ -158,6 +158,15 @@ bool ReadLog(const std::string& path, const LogHooks& hooks) {
             problem(number, why);
         }
     };
+    // The part of a line that a chunk ends in, as long as the line may grow.
+    const auto keep = [&](std::string_view piece) {
+        if (tooLong || partial.size() + piece.size() > kLongestLine) {
+            tooLong = true;
+            partial.clear();
+            return;
+        }
+        partial.append(piece);
+    };
     for (;;) {
         const ssize_t got = ::read(file.Get(), chunk.data(), chunk.size());
         if (got < 0 && errno == EINTR) continue;
@@ -168,20 +177,15 @@ bool ReadLog(const std::string& path, const LogHooks& hooks) {
         if (got == 0) break;
         std::string_view rest(chunk.data(), static_cast<size_t>(got));
         for (size_t end; (end = rest.find('\n')) != std::string_view::npos; rest.remove_prefix(end + 1)) {
-            if (partial.empty()) {
+            if (partial.empty() && !tooLong) {
                 take(rest.substr(0, end));
             } else {
-                partial.append(rest.substr(0, end));
+                keep(rest.substr(0, end));
                 take(partial);
                 partial.clear();
             }
         }
-        if (!tooLong && partial.size() + rest.size() <= kLongestLine) {
-            partial.append(rest);
-        } else {
-            tooLong = true;
-            partial.clear();
-        }
+        keep(rest);
     }
     if (!partial.empty() || tooLong) take(partial);
     return true;

@@ -66,5 +66,20 @@ TEST(LogReader, TakesEachLineOrNamesItAndGoesOnAndAnswersTheQueries) {
     EXPECT_EQ(problems.back(), (json{false, 0, "No such file or directory"}));
 }
 
+// Lines that cross the reader's chunks of a megabyte are whole again; one
+// longer than a megabyte is named and skipped, and the next is read.
+TEST(LogReader, JoinsLinesAcrossItsChunksAndSkipsALineTooLong) {
+    TempFolder folder;
+    const std::string path = folder.File("long.log");
+    const std::string line = R"({"time":"2026-11-02T08:00:00.000Z","result":"programmed","detail":")";
+    const std::string pad(600 * 1024, 'x');
+    TempFolder::Write(path, line + pad + "\"}\n" + line + pad + pad + "\"}\n" + line + "\"}\n");
+    std::vector<size_t> details, problems;
+    ASSERT_TRUE(ReadLog(path, {[&](const LogEntry& e) { details.push_back(e.Detail.size()); },
+                               [&](const LogProblem& p) { problems.push_back(p.Line); }, {}}));
+    EXPECT_EQ(details, (std::vector<size_t>{pad.size(), 0}));
+    EXPECT_EQ(problems, std::vector<size_t>{2});
+}
+
 }  // namespace
 }  // namespace sb
