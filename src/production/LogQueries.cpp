@@ -26,9 +26,17 @@ bool ModuleHistory::Wanted(std::string_view line) const {
 
 void ModuleHistory::Take(const LogEntry& entry) {
     if (entry.Port.empty() || (entry.UsbSerial != serial_ && entry.SN != serial_)) return;
-    const std::string key = entry.RunId + '\n' + entry.Port + '\n' + std::to_string(entry.Attempt);
+    Keep(entry.RunId + '\n' + entry.Port + '\n' + std::to_string(entry.Attempt), entry);
+}
+
+// The end of an attempt stands for it; its start only while no end is known.
+void ModuleHistory::Keep(const std::string& key, const LogEntry& entry) {
     const auto [at, fresh] = attempts_.try_emplace(key, entry);
     if (!fresh && entry.Result != kStarted) at->second = entry;
+}
+
+void ModuleHistory::Merge(const ModuleHistory& other) {
+    for (const auto& [key, entry] : other.attempts_) Keep(key, entry);
 }
 
 std::vector<LogEntry> ModuleHistory::NewestFirst() const {
@@ -63,6 +71,17 @@ void YieldSummary::Take(const LogEntry& entry) {
     ++group.Attempts;
     ++group.ByResult[entry.Result];
     if (entry.Result != kProgrammed) ++group.ByFailingStep[entry.Step.empty() ? "-" : entry.Step];
+}
+
+void YieldSummary::Merge(const YieldSummary& other) {
+    for (const auto& [key, theirs] : other.groups_) {
+        YieldGroup& group = groups_[key];
+        group.Day = theirs.Day;
+        group.FirmwareSha256 = theirs.FirmwareSha256;
+        group.Attempts += theirs.Attempts;
+        for (const auto& [result, count] : theirs.ByResult) group.ByResult[result] += count;
+        for (const auto& [step, count] : theirs.ByFailingStep) group.ByFailingStep[step] += count;
+    }
 }
 
 std::vector<YieldGroup> YieldSummary::Groups() const {

@@ -20,11 +20,14 @@ public:
     // surely is not.
     bool Wanted(std::string_view line) const;
     void Take(const LogEntry& entry);
+    // The attempts another history of the same module took.
+    void Merge(const ModuleHistory& other);
     std::vector<LogEntry> NewestFirst() const;
 
 private:
     std::string serial_;
     std::string needle_;  // the serial as it stands in a line; empty: no quick look
+    void Keep(const std::string& key, const LogEntry& entry);
     std::map<std::string, LogEntry> attempts_;  // by run, port and attempt
 };
 
@@ -46,6 +49,7 @@ struct YieldGroup {
 class YieldSummary {
 public:
     void Take(const LogEntry& entry);
+    void Merge(const YieldSummary& other);
     // By day, then by firmware.
     std::vector<YieldGroup> Groups() const;
 

@@ -8,6 +8,10 @@
 #include <climits>
 #include <cstring>
 #include <nlohmann/json.hpp>
+#include <atomic>
+#include <exception>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 namespace sb {
@@ -189,6 +193,39 @@ bool ReadLog(const std::string& path, const LogHooks& hooks) {
     }
     if (!partial.empty() || tooLong) take(partial);
     return true;
+}
+
+bool ReadLogs(const std::vector<std::string>& paths, unsigned workers,
+              const std::function<LogHooks(unsigned worker)>& hooksOf) {
+    workers = std::max(1u, std::min<unsigned>(workers, static_cast<unsigned>(paths.size())));
+    std::atomic<size_t> next{0};
+    std::atomic<bool> allRead{true};
+    std::mutex telling;
+    std::exception_ptr failure;
+    const auto work = [&](unsigned worker) {
+        try {
+            LogHooks hooks = hooksOf(worker);
+            if (workers > 1 && hooks.Problem)
+                hooks.Problem = [&telling, tell = hooks.Problem](const LogProblem& p) {
+                    const std::lock_guard lock(telling);
+                    tell(p);
+                };
+            for (size_t i; (i = next++) < paths.size();)
+                if (!ReadLog(paths[i], hooks)) allRead = false;
+        } catch (...) {
+            const std::lock_guard lock(telling);
+            if (!failure) failure = std::current_exception();
+            next = paths.size();
+        }
+    };
+    if (workers == 1) {
+        work(0);
+    } else {
+        std::vector<std::jthread> threads;
+        for (unsigned worker = 0; worker < workers; ++worker) threads.emplace_back(work, worker);
+    }
+    if (failure) std::rethrow_exception(failure);
+    return allRead;
 }
 
 }  // namespace sb

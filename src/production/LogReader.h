@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // The production logs read back, line by line, over any number of files of
 // any size: a line is taken as it comes and forgotten, so memory stays that
@@ -47,5 +48,12 @@ std::optional<LogEntry> ParseLogLine(std::string_view line, std::string& why);
 // Reads the file (or standard input for "-") to its end. Returns false when
 // the file cannot be opened or read; its problem has been told.
 bool ReadLog(const std::string& path, const LogHooks& hooks);
+
+// Reads the files side by side on up to `workers` threads, each file whole
+// on one of them (a plant's logs are many files): worker i takes its lines
+// with hooksOf(i), and the problems are told one at a time. One worker reads
+// them in their order on this thread. False when a file could not be read.
+bool ReadLogs(const std::vector<std::string>& paths, unsigned workers,
+              const std::function<LogHooks(unsigned worker)>& hooksOf);
 
 }  // namespace sb

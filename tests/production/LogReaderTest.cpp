@@ -20,7 +20,8 @@ json Fields(const LogEntry& e) {
 
 // The lines of log-lines.json in one file, the last without its line end:
 // what each gives (an entry, or the problem named with its line number),
-// and what one module's history and the yield make of the entries.
+// and what one module's history and the yield make of the entries, taken
+// by two readers in turn and merged.
 TEST(LogReader, TakesEachLineOrNamesItAndGoesOnAndAnswersTheQueries) {
     const json cases = test::TestCases("production/log-lines.json");
     TempFolder folder;
@@ -31,12 +32,12 @@ TEST(LogReader, TakesEachLineOrNamesItAndGoesOnAndAnswersTheQueries) {
 
     std::vector<json> entries, problems;
     const std::string serial = cases["history"]["serial"];
-    ModuleHistory history(serial);
-    YieldSummary summary;
+    ModuleHistory history(serial), otherHistory(serial);
+    YieldSummary summary, otherSummary;
     LogHooks hooks{[&](const LogEntry& e) {
                        entries.push_back(Fields(e));
-                       history.Take(e);
-                       summary.Take(e);
+                       (entries.size() % 2 ? history : otherHistory).Take(e);
+                       (entries.size() % 2 ? summary : otherSummary).Take(e);
                    },
                    [&](const LogProblem& p) { problems.push_back({p.File == path, p.Line, p.Why}); }, {}};
     ASSERT_TRUE(ReadLog(path, hooks));
@@ -52,6 +53,8 @@ TEST(LogReader, TakesEachLineOrNamesItAndGoesOnAndAnswersTheQueries) {
     EXPECT_EQ(entries, wantEntries);
     EXPECT_EQ(problems, wantProblems);
 
+    history.Merge(otherHistory);
+    summary.Merge(otherSummary);
     std::vector<std::string> attempts;
     for (const LogEntry& e : history.NewestFirst())
         attempts.push_back(e.Time + " " + std::to_string(e.Attempt) + " " + e.Result);

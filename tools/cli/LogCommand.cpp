@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <cstdio>
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <thread>
 
 #include "Commands.h"
 #include "JsonOutput.h"
@@ -84,29 +86,54 @@ void PrintSummary(const YieldSummary& summary, bool json) {
     if (json) PrintJson({{"summary", groups}});
 }
 
-void Log(const LogOptions& options) {
+// What one reader of the files found.
+struct Found {
     std::optional<ModuleHistory> history;
-    if (!options.serial.empty()) history.emplace(options.serial);
     YieldSummary summary;
-    bool skipped = false;
-    LogHooks hooks;
-    hooks.Problem = [&skipped](const LogProblem& p) {
-        if (p.Line > 0) skipped = true;
-        std::cerr << Shown(p.File) << (p.Line > 0 ? ":" + std::to_string(p.Line) : "") << ": skipped: " << p.Why << '\n';
-    };
-    if (history) hooks.Wanted = [&history](std::string_view line) { return history->Wanted(line); };
-    else hooks.Wanted = MayEndAnAttempt;
-    hooks.Entry = [&](const LogEntry& entry) {
-        if (history) return history->Take(entry);
-        if (options.summary) return summary.Take(entry);
-        if (entry.Port.empty() || entry.Result == "started") return;
-        if (options.json) std::cout << EntryJson(entry).dump() << '\n';
-        else std::cout << EntryRow(entry) << '\n';
-    };
-    bool unreadable = false;
-    for (const std::string& file : options.files) unreadable = !ReadLog(file, hooks) || unreadable;
+};
 
-    if (history) {
+void Log(const LogOptions& options) {
+    // A listing keeps the order of the files; the questions are answered by
+    // as many readers as there are processors, each over files of its own.
+    const bool listing = options.serial.empty() && !options.summary;
+    const unsigned workers = listing ? 1 : std::max(1u, std::thread::hardware_concurrency());
+    std::vector<Found> found(workers);
+    bool skipped = false;
+    const auto hooksOf = [&](unsigned worker) {
+        Found& mine = found[worker];
+        LogHooks hooks;
+        // Told one at a time.
+        hooks.Problem = [&skipped](const LogProblem& p) {
+            if (p.Line > 0) skipped = true;
+            std::cerr << Shown(p.File) << (p.Line > 0 ? ":" + std::to_string(p.Line) : "") << ": skipped: " << p.Why
+                      << '\n';
+        };
+        if (!options.serial.empty()) {
+            ModuleHistory& history = mine.history.emplace(options.serial);
+            hooks.Wanted = [&history](std::string_view line) { return history.Wanted(line); };
+            hooks.Entry = [&history](const LogEntry& entry) { history.Take(entry); };
+            return hooks;
+        }
+        hooks.Wanted = MayEndAnAttempt;
+        if (options.summary) {
+            hooks.Entry = [&mine](const LogEntry& entry) { mine.summary.Take(entry); };
+            return hooks;
+        }
+        hooks.Entry = [&options](const LogEntry& entry) {
+            if (entry.Port.empty() || entry.Result == "started") return;
+            if (options.json) std::cout << EntryJson(entry).dump() << '\n';
+            else std::cout << EntryRow(entry) << '\n';
+        };
+        return hooks;
+    };
+    const bool allRead = ReadLogs(options.files, workers, hooksOf);
+    for (size_t i = 1; i < found.size(); ++i) {
+        if (found[0].history && found[i].history) found[0].history->Merge(*found[i].history);
+        found[0].summary.Merge(found[i].summary);
+    }
+
+    YieldSummary& summary = found[0].summary;
+    if (const auto& history = found[0].history) {
         const std::vector<LogEntry> attempts = history->NewestFirst();
         if (options.summary) {
             for (const LogEntry& entry : attempts) summary.Take(entry);
@@ -120,7 +147,7 @@ void Log(const LogOptions& options) {
     }
     if (options.summary) PrintSummary(summary, options.json);
     std::cout.flush();
-    if (unreadable) throw CLI::RuntimeError(kExitLogUnreadable);
+    if (!allRead) throw CLI::RuntimeError(kExitLogUnreadable);
     if (skipped) throw CLI::RuntimeError(kExitLogLineSkipped);
 }
 
