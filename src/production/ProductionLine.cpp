@@ -1,6 +1,7 @@
 #include "production/ProductionLine.h"
 
 #include <system_error>
+#include <utility>
 
 #include "production/ChildReport.h"
 
@@ -27,6 +28,11 @@ void ProductionLine::Start(const ModuleJob& job) {
     // need not show the serial of its firmware.
     if (settings_.Recipe && !inBoot_.count(job.Module) && !OnOrder(*settings_.Recipe, job.UsbSerial))
         return Refuse(job);
+    if (Full() || !waiting_.empty()) {
+        waiting_.push_back(job);
+        if (hooks_.Waiting) hooks_.Waiting(job);
+        return;
+    }
     Launch(job, job.Step == JobStep::Flash ? settings_.Retries : 0);
 }
 
@@ -39,6 +45,30 @@ void ProductionLine::Refuse(const ModuleJob& job) {
     record.Detail = OffOrderReason(*settings_.Recipe, job.UsbSerial);
     record.BytesAcknowledged = 0;
     End(job, record, 0);
+}
+
+// A launch that fails ends its job at once, and its slot is free again.
+void ProductionLine::AdmitWaiting() {
+    while (!waiting_.empty() && !Full()) {
+        const ModuleJob job = waiting_.front();
+        waiting_.pop_front();
+        Launch(job, job.Step == JobStep::Flash ? settings_.Retries : 0);
+    }
+}
+
+void ProductionLine::WithdrawWaiting() {
+    std::deque<ModuleJob> kept;
+    for (const ModuleJob& job : std::exchange(waiting_, {})) {
+        if (inBoot_.contains(job.Module)) kept.push_back(job);
+        else if (hooks_.Withdrawn) hooks_.Withdrawn(job);
+    }
+    waiting_ = std::move(kept);
+}
+
+void ProductionLine::StopAll() {
+    WithdrawWaiting();
+    for (const ModuleJob& job : std::exchange(waiting_, {})) Drop(job, "left in its boot loader: the run was stopped");
+    children_.StopAll();
 }
 
 void ProductionLine::Launch(const ModuleJob& job, int triesLeft) {
@@ -101,12 +131,13 @@ void ProductionLine::Ended(ChildSupervisor::Id id, const ChildEnd& end) {
         if (TakeBootEnd(record, end)) {
             inBoot_.insert(run.job.Module);
             if (hooks_.Ended) hooks_.Ended(run.job, nullptr, true);
-            return;
+            return AdmitWaiting();
         }
     } else {
         TakeFlashEnd(record, end, ParseFlashResult(run.lastLine), run.progress);
     }
     End(run.job, record, run.triesLeft);
+    AdmitWaiting();
 }
 
 void ProductionLine::End(const ModuleJob& job, ModuleRecord& record, int triesLeft) {

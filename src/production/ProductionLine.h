@@ -1,4 +1,5 @@
 #pragma once
+#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
@@ -51,6 +52,9 @@ struct LineSettings {
     // none: no recipe. A module whose USB serial is not on its order is
     // refused before anything is started for it; the jobs carry out its steps.
     const sb::Recipe* Recipe = nullptr;
+    // At most so many job programs at once; the other jobs wait their turn,
+    // in the order they came. Zero: no limit.
+    int Jobs = 0;
 };
 
 struct LineHooks {
@@ -65,15 +69,20 @@ struct LineHooks {
     std::function<void(const std::string& line)> Unlogged;
     // Under a recipe: a job's module has begun that step.
     std::function<void(const ModuleJob&, RecipeStep)> Step;
+    // A job waits for its turn, as many others are in progress.
+    std::function<void(const ModuleJob&)> Waiting;
+    // A waiting job was taken back without ever being started.
+    std::function<void(const ModuleJob&)> Withdrawn;
 };
 
 class ProductionLine {
 public:
     ProductionLine(LineSettings settings, LineHooks hooks);
 
-    // Starts the job's program; a program that cannot be started ends the job
-    // at once as crashed. A module that the recipe's order does not hold ends
-    // at once as refused, at the identity step. A download behind a successful switch into the boot
+    // Starts the job's program, or lets it wait its turn while the limit of
+    // jobs is reached; a program that cannot be started ends the job at once
+    // as crashed. A module that the recipe's order does not hold ends at once
+    // as refused, at the identity step. A download behind a successful switch into the boot
     // loader goes on with the attempt that the switch began.
     void Start(const ModuleJob& job);
     // Ends the attempt of a module that was sent into its boot loader and
@@ -81,9 +90,14 @@ public:
     void Drop(const ModuleJob& job, const std::string& why);
     // A line of the station itself, of no module.
     void LogStationLine(ModuleResult result, const std::string& detail);
-    // Stops the jobs in progress; each ends as interrupted.
-    void StopAll() { children_.StopAll(); }
+    // Takes back the waiting jobs that would begin an attempt; those that go
+    // on with one behind a switch into the boot loader keep their turn.
+    void WithdrawWaiting();
+    // Stops the jobs in progress; each ends as interrupted. No waiting job
+    // starts: one that would go on with an attempt ends it, not downloaded.
+    void StopAll();
     size_t Running() const { return children_.Running(); }
+    size_t Waiting() const { return waiting_.size(); }
 
     // The end of every attempt of the run, in the order they ended.
     const std::vector<ModuleRecord>& Records() const { return records_; }
@@ -102,6 +116,8 @@ private:
     };
     void Launch(const ModuleJob& job, int triesLeft);
     void Refuse(const ModuleJob& job);
+    bool Full() const { return settings_.Jobs > 0 && children_.Running() >= static_cast<size_t>(settings_.Jobs); }
+    void AdmitWaiting();
     void Line(ChildSupervisor::Id id, const std::string& line);
     void Ended(ChildSupervisor::Id id, const ChildEnd& end);
     void End(const ModuleJob& job, ModuleRecord& record, int triesLeft);
@@ -112,6 +128,7 @@ private:
     LineHooks hooks_;
     ChildSupervisor children_;
     std::map<ChildSupervisor::Id, Job> running_;
+    std::deque<ModuleJob> waiting_;
     std::map<int, int> attempts_;  // by module
     std::set<int> inBoot_;         // modules whose attempt goes on behind their switch into the boot loader
     std::vector<ModuleRecord> records_;

@@ -14,7 +14,11 @@ Station::Station(StationSettings settings, LineHooks hooks)
                                        [this](const ModuleJob& job, const ModuleRecord* record, bool ok) {
                                            JobEnded(job, record, ok);
                                        },
-                                       hooks_.Unlogged, hooks_.Step}) {}
+                                       hooks_.Unlogged, hooks_.Step, hooks_.Waiting,
+                                       [this](const ModuleJob& job) {
+                                           book_.Withdrawn(job);
+                                           if (hooks_.Withdrawn) hooks_.Withdrawn(job);
+                                       }}) {}
 
 void Station::Refresh() {
     // A job that fails to start ends at once and asks for a refresh from
@@ -44,6 +48,11 @@ void Station::Refresh() {
 
 void Station::CheckFirmware() {
     if (firmware_->MayHaveChanged()) FirmwareStillThere();
+}
+
+void Station::Stop() {
+    book_.Stop();
+    line_.WithdrawWaiting();
 }
 
 void Station::Abort() {

@@ -31,8 +31,9 @@ public:
 
     void Refresh();
     void CheckFirmware();
-    // Ctrl-C: nothing new starts; the jobs in progress end by themselves.
-    void Stop() { book_.Stop(); }
+    // Ctrl-C: nothing new starts (a module waiting for its turn is taken
+    // back); the jobs in progress end by themselves.
+    void Stop();
     // A second Ctrl-C: the jobs in progress are stopped too, and logged as interrupted.
     void Abort();
     // Nothing runs any more, and nothing more will be started.

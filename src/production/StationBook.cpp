@@ -110,6 +110,8 @@ void StationBook::Ended(const ModuleJob& job, bool ok) {
     }
 }
 
+void StationBook::Withdrawn(const ModuleJob& job) { modules_.at(job.Module - 1).stage = Stage::Seen; }
+
 std::optional<ModuleJob> StationBook::Stranded() const {
     for (size_t i = 0; i < modules_.size(); ++i)
         if (modules_[i].stage == Stage::Booted) return JobOf(i, JobStep::Flash);

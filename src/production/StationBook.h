@@ -44,6 +44,8 @@ public:
     StationPlan Plan(const std::vector<ListedModule>& listing);
     void Started(const ModuleJob& job);
     void Ended(const ModuleJob& job, bool ok);
+    // A job that waited for its turn and was never started: its module is seen, no more.
+    void Withdrawn(const ModuleJob& job);
     // Nothing new is started from now on.
     void Stop() { stopped_ = true; }
 

@@ -2,7 +2,6 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
-#include <QEventLoop>
 #include <QTimer>
 #include <cmath>
 
@@ -21,19 +20,23 @@ int32_t QtWaitContext::Tick() {
 
 void QtWaitContext::PumpEvents() { QCoreApplication::processEvents(QEventLoop::AllEvents); }
 
+// The events are taken as they come until the time is up or input came: no
+// loop to quit, so an end of a wait costs no wake-up of the loop, which a
+// download pays at every block. Each wait has its own timer, for a handler
+// that runs within a wait may wait in turn.
 bool QtWaitContext::Sleep(double ms, bool stopOnInput) {
     if (stopOnInput && inputPending_) {
         inputPending_ = false;
         return true;
     }
-    QEventLoop loop;
+    bool timedOut = false;
     QTimer timer;
     timer.setSingleShot(true);
     timer.setTimerType(Qt::PreciseTimer);
-    connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
-    if (stopOnInput) connect(this, &QtWaitContext::inputArrived, &loop, &QEventLoop::quit);
+    connect(&timer, &QTimer::timeout, this, [&timedOut] { timedOut = true; });
     timer.start(static_cast<int>(std::ceil(ms > 0 ? ms : 0)));
-    loop.exec();
+    while (!timedOut && !(stopOnInput && inputPending_))
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     if (stopOnInput && inputPending_) {
         inputPending_ = false;
         return true;
@@ -43,7 +46,6 @@ bool QtWaitContext::Sleep(double ms, bool stopOnInput) {
 
 void QtWaitContext::NotifyInput() {
     inputPending_ = true;
-    emit inputArrived();
 }
 
 }  // namespace sb::ui

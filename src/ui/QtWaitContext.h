@@ -6,8 +6,9 @@
 
 namespace sb::ui {
 
-// Waiting on Qt's event loop: a nested QEventLoop with a single-shot timer,
-// so a wait sleeps while nothing happens and screens stay alive.
+// Waiting on Qt's event loop: the events are processed as they come, with a
+// single-shot timer for the end, so a wait sleeps while nothing happens and
+// screens stay alive.
 class QtWaitContext final : public QObject, public WaitContext {
     Q_OBJECT
 public:
@@ -17,9 +18,6 @@ public:
     bool Sleep(double ms, bool stopOnInput) override;
     void NotifyInput() override;
     void ForgetInput() override { inputPending_ = false; }
-
-signals:
-    void inputArrived();
 
 private:
     QElapsedTimer clock_;

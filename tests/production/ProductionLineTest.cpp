@@ -115,7 +115,7 @@ struct FakeLine {
     }
     LineHooks Hooks() {
         return {{}, [this](const ModuleJob&, const XmodemProgress&) { ++progress; }, {}, {},
-                [this](const ModuleJob&, RecipeStep) { ++steps; }};
+                [this](const ModuleJob&, RecipeStep) { ++steps; }, {}, {}};
     }
     std::vector<nlohmann::json> Logged() const {
         std::vector<nlohmann::json> lines;
@@ -174,6 +174,62 @@ TEST(ProductionLine, EachTryOfADownloadIsLoggedWhenItStartsAndWhenItEnds) {
         EXPECT_EQ(tries[c], cases[c].value("tries", 1) * (c + 1 == cases.size() ? 2 : 1)) << "case " << c;
     EXPECT_EQ(fake.progress, 3);
     EXPECT_EQ(fake.steps, 3);
+}
+
+// Two at a time: the others wait in the order they came and start as others
+// end; a stop takes back the waiting ones and starts none of them.
+TEST(ProductionLine, KeepsAtMostItsJobsInProgressAndTheOthersWaitTheirTurn) {
+    FakeLine fake;
+    LineSettings settings = fake.Settings();
+    settings.Jobs = 2;
+    std::vector<std::string> started, waiting, withdrawn;
+    size_t most = 0;
+    ProductionLine* running = nullptr;
+    LineHooks hooks = fake.Hooks();
+    hooks.Started = [&](const ModuleJob& job, int) {
+        started.push_back(job.Port);
+        most = std::max(most, running->Running() + 1);
+    };
+    hooks.Waiting = [&](const ModuleJob& job) { waiting.push_back(job.Port); };
+    hooks.Withdrawn = [&](const ModuleJob& job) { withdrawn.push_back(job.Port); };
+    ProductionLine line(settings, hooks);
+    running = &line;
+    const auto start = [&](int first, int last, const std::string& script) {
+        for (int i = first; i <= last; ++i) {
+            fake.scripts["ttyACM" + std::to_string(i)] = script;
+            line.Start({JobStep::Flash, "ttyACM" + std::to_string(i), "SN", i});
+        }
+    };
+    start(1, 5, "exit 0");
+    RunOut(line);
+    start(6, 8, "sleep 30");
+    line.StopAll();
+    RunOut(line);
+    using Ports = std::vector<std::string>;
+    EXPECT_EQ(most, 2u);
+    EXPECT_EQ(started, (Ports{"ttyACM1", "ttyACM2", "ttyACM3", "ttyACM4", "ttyACM5", "ttyACM6", "ttyACM7"}));
+    EXPECT_EQ(waiting, (Ports{"ttyACM3", "ttyACM4", "ttyACM5", "ttyACM8"}));
+    EXPECT_EQ(withdrawn, Ports{"ttyACM8"});
+    EXPECT_EQ(line.Waiting(), 0u);
+}
+
+// A station stopped while a module waits for its turn: that one is seen but
+// not started, and the station ends once the one in progress has ended.
+TEST(ProductionLine, AStationStoppedTakesBackTheModulesWaitingForTheirTurn) {
+    FakeLine fake;
+    fake.scripts = {{"ttyACM0", "exit 0"}, {"ttyACM1", "exit 0"}};
+    LineSettings settings = fake.Settings();
+    settings.Jobs = 1;
+    Station station({settings, 0, [] { return std::vector<ListedModule>{{"ttyACM0", "SB0", B}, {"ttyACM1", "SB1", B}}; },
+                     {}},
+                    fake.Hooks());
+    station.Refresh();
+    station.Stop();
+    RunOut(station.Line());
+    EXPECT_TRUE(station.Finished());
+    const auto left = station.NotStarted();
+    ASSERT_EQ(left.size(), 1u);
+    EXPECT_EQ(left[0].Port, "ttyACM1");
 }
 
 // The file changes while a module is on its way into its boot loader: the

@@ -116,6 +116,7 @@ TEST_F(CommandCases, Device) { RunCases("device-cases.json"); }
 TEST_F(CommandCases, ConfigFile) { RunCases("config-file-cases.json"); }
 TEST_F(CommandCases, Flash) { RunCases("flash-cases.json"); }
 TEST_F(CommandCases, Recipe) { RunCases("recipe-line-cases.json"); }
+TEST_F(CommandCases, Log) { RunCases("log-cases.json"); }
 
 }  // namespace
 }  // namespace sb::test

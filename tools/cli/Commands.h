@@ -44,6 +44,9 @@ inline constexpr int kExitRecipeBadField = 31;
 inline constexpr int kExitRecipeFileMissing = 32;
 inline constexpr int kExitRecipeHashDiffers = 33;
 inline constexpr int kExitRecipeStepFailed = 34;
+// log: the other files and lines were read.
+inline constexpr int kExitLogUnreadable = 35;
+inline constexpr int kExitLogLineSkipped = 36;
 // doctor: the first kind of trouble it found.
 inline constexpr int kExitDoctorAccess = 40;  // also a file or folder of the program
 inline constexpr int kExitDoctorOtherProgram = 41;
@@ -87,6 +90,8 @@ inline constexpr ExitStatus kExitStatuses[] = {
     {kExitRecipeFileMissing, "a file of the recipe missing, unreadable or refused"},
     {kExitRecipeHashDiffers, "a file of the recipe has another SHA-256 than the recipe gives"},
     {kExitRecipeStepFailed, "the module failed a step of the recipe"},
+    {kExitLogUnreadable, "a log file cannot be read"},
+    {kExitLogLineSkipped, "a line of a log is no log line and was skipped"},
     {kExitDoctorAccess, "doctor: no access to the module's port or to the program's files, or the udev rule missing"},
     {kExitDoctorOtherProgram, "doctor: another program gets between (ModemManager, brltty, a program holding the port)"},
     {kExitDoctorMode, "doctor: the module is in the other mode"},
@@ -125,5 +130,6 @@ void AddRecipeCommands(CLI::App& app);   // recipe check
 // on standard error, and the exit status of the first one.
 Recipe RecipeOrFail(const std::string& path);
 void AddSupportCommands(CLI::App& app);  // doctor, support-bundle
+void AddLogCommand(CLI::App& app);       // log
 
 }  // namespace sb::cli

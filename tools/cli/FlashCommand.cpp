@@ -17,6 +17,7 @@
 #include "link/QtSerialPort.h"
 #include "link/SystemInventory.h"
 #include "production/ChildReport.h"
+#include "production/ProgressBatch.h"
 #include "production/RecipeRun.h"
 #include "production/StationBook.h"
 #include "update/SnifferIni.h"
@@ -32,6 +33,9 @@ namespace sb::cli {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// How often a download tells the program that watches it of its progress.
+constexpr auto kProgressJsonEvery = std::chrono::milliseconds(250);
 
 struct FlashOptions {
     std::string port;
@@ -246,6 +250,10 @@ void Flash(const FlashOptions& options) {
     SerialPort& port = *portOwner;
     PlainStatusText status;
     ProgressView progress(::isatty(STDERR_FILENO) != 0);
+    ProgressBatch batch(kProgressJsonEvery);
+    const auto tell = [](const std::optional<XmodemProgress>& p) {
+        if (p) std::cout << ProgressLine(*p) << std::flush;
+    };
     std::vector<std::string> messages;
     int retriesLeft = options.retries;
 
@@ -254,7 +262,7 @@ void Flash(const FlashOptions& options) {
     hooks.ChoosePort = [&options] { return options.port; };
     hooks.EnableStart = [](bool) {};
     hooks.Progress = [&](const XmodemProgress& p) {
-        if (options.progressJson) std::cout << ProgressLine(p) << std::flush;
+        if (options.progressJson) tell(batch.Take(p, Clock::now()));
         else progress.Show(p);
     };
     hooks.ShowMessage = [&](const std::string& text, ui::MessageButtons buttons) {
@@ -275,6 +283,7 @@ void Flash(const FlashOptions& options) {
     const std::string iniPath = SnifferIniPath();
     if (!options.recipe.empty()) return FlashByRecipe(options, port, status, hooks, iniPath, progress, messages);
     const UpdateOutcome outcome = UpdateRun(port, status, hooks).Run(options.production, iniPath);
+    if (options.progressJson) tell(batch.Rest());
     progress.EndLine();
     if (options.json) {
         PrintJson(JsonOutcome(options, outcome, iniPath, messages));
@@ -303,7 +312,7 @@ void AddFlashCommand(CLI::App& app) {
         ->check(CLI::NonNegativeNumber);
     flash->add_flag("--json", options->json, "Print the result as one JSON object");
     flash->add_flag("--progress-json", options->progressJson,
-                    "The progress as one JSON line per block on standard output, for a program that watches");
+                    "The progress as JSON lines on standard output, a few a second, for a program that watches");
     CLI::Option* runAfter =
         flash->add_flag("--run-after", options->runAfter, "Start the firmware with RUN behind a successful download");
     flash->add_option("--recipe", options->recipe,

@@ -65,6 +65,7 @@ struct Run {
     std::unique_ptr<FirmwareFile> firmware;
     std::unique_ptr<ProductionLog> log;
     ProgressBoard board{std::cerr, ::isatty(STDERR_FILENO) != 0};
+    std::vector<ListedModule> withdrawn;  // waited for their turn, never started
 };
 
 // A recipe's firmware is its own, and must still be the file that the
@@ -102,6 +103,7 @@ LineSettings SettingsOf(Run& run, const ProductionOptions& options) {
     settings.Run = NewRunIdentity(options.station, std::string("servicebay-cli ") + kProgramVersion);
     settings.Retries = options.retries;
     settings.Recipe = run.recipe ? &*run.recipe : nullptr;
+    settings.Jobs = options.jobs;
     const FirmwareFile* firmware = run.firmware.get();
     settings.Command = [options, firmware](const ModuleJob& job) { return JobCommand(options, *firmware, job); };
     return settings;
@@ -113,7 +115,12 @@ LineHooks HooksOf(Run& run) {
             [&run](const ModuleJob& job, const XmodemProgress& p) { run.board.Progress(job, p); },
             [&run](const ModuleJob& job, const ModuleRecord* record, bool ok) { run.board.Ended(job, record, ok); },
             [&run](const std::string& line) { run.board.Note(line.substr(0, line.find_last_not_of('\n') + 1)); },
-            {}};
+            {},
+            [&run](const ModuleJob& job) { run.board.Waiting(job); },
+            [&run](const ModuleJob& job) {
+                run.board.Withdrawn(job);
+                run.withdrawn.push_back({job.Port, job.UsbSerial, ModuleMode::Boot});
+            }};
 }
 
 // One turn of the loop: waits for the children, the stop signals and the
@@ -206,7 +213,7 @@ void FlashAll(ProductionOptions options, const std::string& port) {
     for (const ModuleJob& job : jobs) line.Start(job);
     while (line.Running() > 0)
         if (WaitTurn(line.Children(), signals, nullptr, -1).stops > 0) line.StopAll();
-    Conclude(line);
+    Conclude(line, run.withdrawn);
 }
 
 namespace {
@@ -244,6 +251,13 @@ void Station(ProductionOptions options) {
     Conclude(station.Line(), station.NotStarted(), station.Refusal().has_value());
 }
 
+void AddJobsOption(CLI::App* command, ProductionOptions& options) {
+    command->add_option("--jobs", options.jobs,
+                        "At most N modules in progress at once; the others wait their turn (default: all)")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber);
+}
+
 }  // namespace
 
 CLI::Option* AddFlashAllOptions(CLI::App* flash, ProductionOptions& options) {
@@ -254,6 +268,7 @@ CLI::Option* AddFlashAllOptions(CLI::App* flash, ProductionOptions& options) {
     flash->add_option("--station", options.station,
                       "With --log: the station's name in the log (default: the host name)")
         ->type_name("NAME");
+    AddJobsOption(flash, options);
     return flash->add_flag("--all", options.all, "Download the file into every module in boot mode at the same time");
 }
 
@@ -279,6 +294,7 @@ void AddStationCommand(CLI::App& app) {
     station->add_option("--retries", options->retries, "Try a failed download again up to N times (default 0)")
         ->type_name("N")
         ->check(CLI::NonNegativeNumber);
+    AddJobsOption(station, *options);
     station->add_option("--log", options->log, "Append a JSON line to FILE when each try starts and ends")
         ->type_name("FILE");
     station->add_option("--station", options->station, "The station's name in the log (default: the host name)")

@@ -18,9 +18,10 @@ struct ProductionOptions {
     bool all = false;  // flash only
     int count = 0;     // station only
     std::string recipe;  // its steps for each module; file, production and runAfter are then its
+    int jobs = 0;      // modules in progress at once; 0: all
 };
 
-// Adds --all, --log and --station to the flash command and returns --all; the
+// Adds --all, --jobs, --log and --station to the flash command and returns --all; the
 // caller runs FlashAll when --all or --log was given.
 CLI::Option* AddFlashAllOptions(CLI::App* flash, ProductionOptions& options);
 // Every module in boot mode, or the one on port; with a recipe, its steps.

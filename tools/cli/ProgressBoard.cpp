@@ -31,6 +31,17 @@ void ProgressBoard::Started(const ModuleJob& job, int attempt) {
     if (terminal_) Draw({}, true);
 }
 
+void ProgressBoard::Waiting(const ModuleJob& job) {
+    rows_[job.Port] = Row{Who(job), {}, Clock::now(), -1, true};
+    if (terminal_) return Draw({}, true);
+    out_ << Who(job) << "  waiting" << '\n' << std::flush;
+}
+
+void ProgressBoard::Withdrawn(const ModuleJob& job) {
+    rows_.erase(job.Port);
+    Note(Who(job) + "  not started");
+}
+
 void ProgressBoard::Progress(const ModuleJob& job, const XmodemProgress& progress) {
     Row& row = rows_[job.Port];
     if (row.who.empty()) row.who = Who(job);
@@ -63,6 +74,7 @@ void ProgressBoard::Note(const std::string& line) {
 }
 
 std::string ProgressBoard::RowText(const Row& row) const {
+    if (row.waiting) return row.who + "  waiting";
     const XmodemProgress& p = row.progress;
     const TransferPace pace = PaceOf(p, std::chrono::duration<double>(Clock::now() - row.start).count());
     std::string text = row.who + "  ";

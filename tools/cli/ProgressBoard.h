@@ -9,7 +9,7 @@
 #include "production/ProductionLine.h"
 
 // The modules of a production run as they go: on a terminal one line per
-// module in progress (port, serial, bar, rate), drawn again in place, and a
+// module in progress (port, serial, bar, rate) or waiting for its turn, drawn again in place, and a
 // line that stays for each module that ended; otherwise plain lines, one at
 // each tenth of a transfer and one at each end.
 namespace sb::cli {
@@ -23,6 +23,10 @@ public:
     void Progress(const ModuleJob& job, const XmodemProgress& progress);
     // record: as logged; null for a switch into the boot loader that succeeded.
     void Ended(const ModuleJob& job, const ModuleRecord* record, bool ok);
+    // A module waits for its turn: a row that says so.
+    void Waiting(const ModuleJob& job);
+    // A waiting module that will not be started.
+    void Withdrawn(const ModuleJob& job);
     // A line of its own above the rows in progress.
     void Note(const std::string& line);
 
@@ -33,6 +37,7 @@ private:
         XmodemProgress progress;
         Clock::time_point start = Clock::now();
         int tenth = -1;
+        bool waiting = false;
     };
     std::string RowText(const Row& row) const;
     void Draw(const std::vector<std::string>& lasting, bool force);

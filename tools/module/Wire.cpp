@@ -46,7 +46,12 @@ bool Wire::WaitFor(short events, int timeoutMs) {
 }
 
 std::string Wire::Receive(int timeoutMs) {
-    if (!received_.empty()) return std::exchange(received_, {});
+    if (taken_ < received_.size()) {
+        std::string rest = received_.substr(taken_);
+        received_.clear();
+        taken_ = 0;
+        return rest;
+    }
     const auto end = Deadline(timeoutMs);
     for (;;) {
         if (!WaitFor(POLLIN, timeoutMs < 0 ? -1 : MsLeft(end))) {
@@ -61,15 +66,17 @@ std::string Wire::Receive(int timeoutMs) {
 }
 
 int Wire::ReadByte(int timeoutMs) {
-    if (received_.empty()) received_ = Receive(timeoutMs);
+    if (taken_ == received_.size()) {
+        received_ = Receive(timeoutMs);
+        taken_ = 0;
+    }
     if (received_.empty()) return -1;
-    const auto byte = static_cast<unsigned char>(received_.front());
-    received_.erase(0, 1);
-    return byte;
+    return static_cast<unsigned char>(received_[taken_++]);
 }
 
 void Wire::Purge(int quietMs) {
     received_.clear();
+    taken_ = 0;
     while (!Receive(quietMs).empty()) {
     }
 }

@@ -44,7 +44,10 @@ public:
     // One byte, or -1 when none came in time.
     int ReadByte(int timeoutMs);
     // Bytes taken from the line that the next read is to hand out again.
-    void PutBack(const std::string& bytes) { received_.insert(0, bytes); }
+    void PutBack(const std::string& bytes) {
+        received_ = bytes + received_.substr(taken_);
+        taken_ = 0;
+    }
     // Drops what comes in until the line has been quiet for quietMs.
     void Purge(int quietMs);
     // Returns when the last byte has been handed to the line.
@@ -62,7 +65,11 @@ private:
     const PseudoTerminal& pty_;
     int stopFd_;
     Delivery delivery_;
+    // Bytes taken from the line; the first taken_ of them are handed out.
+    // A block of a transfer is read byte by byte: moving the rest forward at
+    // each byte would cost the square of a block's length.
     std::string received_;
+    std::size_t taken_ = 0;
     // The bus's next free packet slot: a write goes on where the last left off.
     Clock::time_point nextPacket_{};
 };
