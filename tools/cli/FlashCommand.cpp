@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -208,7 +209,8 @@ std::string UsbSerialOf(const std::string& port) {
 // recipe's, or the file given, which must have the recipe's SHA-256 (the
 // production line hands each module a sealed copy of it).
 void FlashByRecipe(const FlashOptions& options, SerialPort& port, StatusText& status, const UpdateHooks& hooks,
-                   const std::string& iniPath, ProgressView& progress, const std::vector<std::string>& messages) {
+                   const std::string& iniPath, ProgressView& progress, const std::vector<std::string>& messages,
+                   const std::function<void()>& passHeldProgress) {
     const Recipe recipe = RecipeOrFail(options.recipe);
     const std::string firmware = options.file.empty() ? recipe.Firmware.File : options.file;
     RecipeOutcome outcome;
@@ -218,11 +220,13 @@ void FlashByRecipe(const FlashOptions& options, SerialPort& port, StatusText& st
         outcome.Failed = RecipeStep::Identity;
         outcome.Detail = OffOrderReason(recipe, serial);
     } else {
-        const auto entered = [&options](RecipeStep step) {
+        const auto entered = [&options, &passHeldProgress](RecipeStep step) {
+            passHeldProgress();
             if (options.progressJson) std::cout << StepLine(step) << std::flush;
         };
         outcome = RecipeRun(port, status, recipe, hooks, entered).Run(options.port, firmware, iniPath);
     }
+    passHeldProgress();
     progress.EndLine();
     const std::string step = outcome.Failed ? StepName(*outcome.Failed) : "";
     if (options.json) {
@@ -281,9 +285,14 @@ void Flash(const FlashOptions& options) {
     };
 
     const std::string iniPath = SnifferIniPath();
-    if (!options.recipe.empty()) return FlashByRecipe(options, port, status, hooks, iniPath, progress, messages);
+    // What the batch held back goes out before the next step's line and the result.
+    const auto passHeldProgress = [&] {
+        if (options.progressJson) tell(batch.Rest());
+    };
+    if (!options.recipe.empty())
+        return FlashByRecipe(options, port, status, hooks, iniPath, progress, messages, passHeldProgress);
     const UpdateOutcome outcome = UpdateRun(port, status, hooks).Run(options.production, iniPath);
-    if (options.progressJson) tell(batch.Rest());
+    passHeldProgress();
     progress.EndLine();
     if (options.json) {
         PrintJson(JsonOutcome(options, outcome, iniPath, messages));
