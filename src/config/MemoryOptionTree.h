@@ -17,9 +17,9 @@ class MemoryTreeNode final : public TreeNode {
 public:
     TreeNode* Child() override;
     TreeNode* Next() override;
-    std::string Text() const override { return text_; }
+    const std::string& Text() const override { return text_; }
     void SetText(const std::string& text) override { text_ = text; }
-    std::string Tag() const override { return tag_; }
+    const std::string& Tag() const override { return tag_; }
     void SetTag(const std::string& tag) override { tag_ = tag; }
     void SetExpanded(bool expanded) override { expanded_ = expanded; }
     void SetForeColor(uint32_t color) override { foreColor_ = color; }

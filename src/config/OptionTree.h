@@ -17,9 +17,9 @@ public:
     virtual ~TreeNode() = default;
     virtual TreeNode* Child() = 0;  // first child, or nullptr
     virtual TreeNode* Next() = 0;   // next sibling, or nullptr
-    virtual std::string Text() const = 0;
+    virtual const std::string& Text() const = 0;
     virtual void SetText(const std::string& text) = 0;
-    virtual std::string Tag() const = 0;
+    virtual const std::string& Tag() const = 0;
     virtual void SetTag(const std::string& tag) = 0;
     virtual void SetExpanded(bool expanded) = 0;
     virtual void SetForeColor(uint32_t color) = 0;

@@ -46,7 +46,7 @@ public:
     TreeNode* Child() override { return firstChild_; }
     TreeNode* Next() override { return next_; }
 
-    std::string Text() const override { return text_; }
+    const std::string& Text() const override { return text_; }
     void SetText(const std::string& text) override {
         if (text_ == text) return;
         text_ = text;
@@ -57,7 +57,7 @@ public:
     // Text, tag, colour, check box and bold live in the item; a copy of
     // each here spares the item's lookups and conversions on the many reads
     // of a rebuild.
-    std::string Tag() const override { return tag_; }
+    const std::string& Tag() const override { return tag_; }
     void SetTag(const std::string& tag) override {
         if (hasTag_ && tag_ == tag) return;
         tag_ = tag;
