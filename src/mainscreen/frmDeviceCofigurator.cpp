@@ -13,6 +13,7 @@
 #include "link/QtSerialPort.h"
 #include "mainscreen/ConfigOptionsFile.h"
 #include "mainscreen/HelpMenu.h"
+#include "stationscreen/frmStation.h"
 #include "mainscreen/UpdateScreens.h"
 #include "ui/Guarded.h"
 #include "ui/Named.h"
@@ -116,6 +117,8 @@ void frmDeviceCofigurator::BuildControls() {
     mnuEditor = Named(mnuTools->addAction(QStringLiteral("Data Base Viewer/Editor")), "mnuEditor");
     mnuTools->addSeparator();
     mnuOfflineRead = Named(mnuTools->addAction(QStringLiteral("Read info from ConfigOptions.xml")), "mnuOfflineRead");
+    mnuTools->addSeparator();
+    AddStationMenu(*mnuTools, *this);
     AddConfigFileMenus();
     AddHelpMenu(*this);
 

@@ -14,8 +14,10 @@
 #include "link/DeviceEvents.h"
 #include "link/SystemInventory.h"
 #include "production/FirmwareFile.h"
+#include "production/JobCommand.h"
 #include "production/ProductionLog.h"
 #include "production/Station.h"
+#include "production/StationStopping.h"
 #include "production/StopSignals.h"
 #include "production/Summary.h"
 
@@ -23,9 +25,6 @@ namespace sb::cli {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-// A firmware file that changes is seen within this time, also while no module comes.
-constexpr auto kFirmwareCheckEvery = std::chrono::seconds(1);
 
 [[noreturn]] void Fail(int status, const std::string& message) {
     std::cerr << message << '\n';
@@ -37,19 +36,6 @@ std::string ThisProgram() {
     std::error_code failed;
     const auto path = std::filesystem::read_symlink("/proc/self/exe", failed);
     return failed ? "servicebay-cli" : path.string();
-}
-
-// The program line of one job: one try, for the line counts and logs each
-// try itself. A download reads the sealed copy of the firmware, so every
-// module gets the bytes whose SHA-256 the log names.
-std::vector<std::string> JobCommand(const ProductionOptions& options, const FirmwareFile& firmware,
-                                    const ModuleJob& job) {
-    if (job.Step == JobStep::EnterBoot) return {ThisProgram(), "boot", "--port", job.Port, "--json"};
-    std::vector<std::string> argv = {ThisProgram(), "flash", "--port", job.Port, firmware.CopyPath(), "--json",
-                                     "--progress-json"};
-    if (options.production) argv.push_back("--production");
-    if (options.runAfter) argv.push_back("--run-after");
-    return argv;
 }
 
 struct Run {
@@ -81,7 +67,8 @@ LineSettings SettingsOf(Run& run, const ProductionOptions& options) {
     settings.Run = NewRunIdentity(options.station, std::string("servicebay-cli ") + kProgramVersion);
     settings.Retries = options.retries;
     const FirmwareFile* firmware = run.firmware.get();
-    settings.Command = [options, firmware](const ModuleJob& job) { return JobCommand(options, *firmware, job); };
+    const JobProgram program{ThisProgram(), options.production, options.runAfter};
+    settings.Command = [program, firmware](const ModuleJob& job) { return JobCommand(program, *firmware, job); };
     return settings;
 }
 
@@ -140,31 +127,6 @@ void Conclude(const ProductionLine& line, const std::vector<ListedModule>& notSt
     if (!failed.empty() || !notStarted.empty()) throw CLI::RuntimeError(kExitModuleFailed);
 }
 
-// Ctrl-C and its kin: the first one lets the modules in progress end, the
-// second stops them. A log that fails stops the station as the first does.
-class Stopping {
-public:
-    explicit Stopping(ProgressBoard& board) : board_(board) {}
-    void Take(sb::Station& station, int stops) {
-        for (int i = 0; i < stops; ++i) {
-            if (++stops_ > 1) station.Abort();
-            else Begin(station, "Stopping: the modules in progress are finished first (Ctrl-C again to stop them).");
-        }
-        if (station.Line().LogFailure() && !begun_)
-            Begin(station, "Stopping: the log cannot be written; the modules in progress are finished first.");
-    }
-
-private:
-    void Begin(sb::Station& station, const std::string& why) {
-        if (!begun_) board_.Note(why);
-        begun_ = true;
-        station.Stop();
-    }
-    ProgressBoard& board_;
-    int stops_ = 0;
-    bool begun_ = false;
-};
-
 }  // namespace
 
 void FlashAll(const ProductionOptions& options, const std::string& port) {
@@ -200,8 +162,8 @@ void Station(const ProductionOptions& options) {
                              [&run](const std::string& text) { run.board.Note(text); }};
     sb::Station station(std::move(settings), HooksOf(run));
     run.board.Note("Waiting for modules (" + run.firmware->Name() + ", SHA-256 " + run.firmware->Sha256() + ")");
-    Stopping stopping(run.board);
-    auto nextCheck = Clock::now() + kFirmwareCheckEvery;
+    StationStopping stopping("Ctrl-C", [&run](const std::string& text) { run.board.Note(text); });
+    auto nextCheck = Clock::now() + kStationFirmwareCheckEvery;
     station.Refresh();
     while (!station.Finished()) {
         const auto untilCheck = std::chrono::ceil<std::chrono::milliseconds>(nextCheck - Clock::now());
@@ -210,7 +172,7 @@ void Station(const ProductionOptions& options) {
         if (turn.devices) station.Refresh();
         if (Clock::now() >= nextCheck) {
             station.CheckFirmware();
-            nextCheck = Clock::now() + kFirmwareCheckEvery;
+            nextCheck = Clock::now() + kStationFirmwareCheckEvery;
         }
         stopping.Take(station, turn.stops);
     }

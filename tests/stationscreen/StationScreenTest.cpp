@@ -1,0 +1,69 @@
+#include <gtest/gtest.h>
+
+#include <QTest>
+#include <filesystem>
+
+#include "../link/QtApp.h"
+#include "../tools/ModuleProcess.h"
+#include "FirmwareImage.h"
+#include "stationscreen/frmStation.h"
+
+// The station's window drives the production line of this build against
+// virtual modules, following their plugging.
+namespace sb::test {
+namespace {
+
+std::string CopiedCli(const TempFolder& folder) {
+    const std::string copy = folder.File("servicebay-cli");
+    std::filesystem::copy_file(std::string(std::getenv("SB_BIN_DIR")) + "/servicebay-cli", copy);
+    return copy;
+}
+
+class StationScreen : public ModuleTest {
+protected:
+    StationScreen() {
+        station.chkProduction->setChecked(true);
+        TempFolder::Write(firmware, RandomBytes(5000, 11));
+        TempFolder::Write(profile, TempFolder::Read(SampleFile("SampleModule.profile")) + "UsbSerial = SB0701\n");
+        station.txtRecipe->setText(QString::fromStdString(firmware));
+        station.cmdStart->click();
+    }
+    ModuleProcess Plug(std::vector<std::string> args) {
+        args.insert(args.end(), {"--profile", profile});
+        return ModuleProcess(folder, args);
+    }
+    std::string Step() const { return station.tiles.at(0)->lblStep->text().toStdString(); }
+
+    QApplication& app = QtApp();
+    // A copy of this build's CLI, so that the sniffer.ini of the production record is the test's.
+    const std::string cli = CopiedCli(folder);
+    const std::string firmware = folder.File("fw.cod");
+    const std::string profile = folder.File("module.profile");
+    ui::frmStation station{nullptr, cli};
+};
+
+TEST_F(StationScreen, AModulePluggedInGetsATileThatEndsProgrammed) {
+    ModuleProcess module = Plug({"--boot"});
+    QTRY_COMPARE_WITH_TIMEOUT(station.lblProgrammed->text(), QStringLiteral("1"), 30000);
+    ASSERT_EQ(station.tiles.size(), 1u);
+    EXPECT_EQ(Step(), "programmed");
+    EXPECT_NE(station.tiles[0]->lblSN->text().indexOf(QStringLiteral("20240117")), -1);
+    EXPECT_TRUE(station.Running());
+}
+
+// The module is away for a while on its way into its boot loader: the
+// first Stop waits for it, the second does not.
+TEST_F(StationScreen, StopThenStopInterruptsTheModuleInProgress) {
+    ModuleProcess module = Plug({"--reenumerate-ms", "6000"});
+    QTRY_COMPARE_WITH_TIMEOUT(station.lblInProgress->text(), QStringLiteral("1"), 30000);
+    station.cmdStop->click();
+    EXPECT_TRUE(station.Running());
+    station.cmdStop->click();
+    QTRY_VERIFY_WITH_TIMEOUT(!station.Running(), 10000);
+    EXPECT_EQ(Step(), "interrupted");
+    EXPECT_EQ(station.lblFailed->text(), QStringLiteral("1"));
+    EXPECT_TRUE(station.cmdStart->isEnabled());
+}
+
+}  // namespace
+}  // namespace sb::test
