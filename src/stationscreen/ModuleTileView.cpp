@@ -34,7 +34,7 @@ ModuleTileView::ModuleTileView(QWidget* parent) : QFrame(parent) {
     setFrameShape(QFrame::Box);
     setLineWidth(2);
     lblWhere = Named(new QLabel(this), "lblWhere");
-    lblWhere->setFont(Sized(font(), 1.2, true));
+    lblWhere->setFont(Sized(font(), 1.3, true));
     lblSN = Named(new QLabel(this), "lblSN");
     lblStep = Named(new QLabel(this), "lblStep");
     lblStep->setFont(Sized(font(), 2.0, true));
@@ -42,6 +42,9 @@ ModuleTileView::ModuleTileView(QWidget* parent) : QFrame(parent) {
     barTransfer->setRange(0, 1000);
     barTransfer->setTextVisible(false);
     barTransfer->setMinimumHeight(28);
+    // White on the tile's colour, whatever the colour.
+    barTransfer->setStyleSheet(QStringLiteral("QProgressBar { border: 2px solid white; background: transparent; }"
+                                              "QProgressBar::chunk { background: white; }"));
     lblRate = Named(new QLabel(this), "lblRate");
     lblDetail = Named(new QLabel(this), "lblDetail");
     lblDetail->setWordWrap(true);
@@ -49,16 +52,19 @@ ModuleTileView::ModuleTileView(QWidget* parent) : QFrame(parent) {
     auto* layout = new QVBoxLayout(this);
     for (QWidget* widget : std::initializer_list<QWidget*>{lblWhere, lblSN, lblStep, barTransfer, lblRate, lblDetail})
         layout->addWidget(widget);
-    layout->addStretch();
     setMinimumWidth(340);
+    // Every tile of a row as high as the others, with or without a transfer.
+    QSizePolicy keep = barTransfer->sizePolicy();
+    keep.setRetainSizeWhenHidden(true);
+    barTransfer->setSizePolicy(keep);
 }
 
-void ModuleTileView::Show(const ModuleTile& tile, double now) {
+void ModuleTileView::Show(const ModuleTile& tile) {
     lblWhere->setText(OrDash(tile.Port) + QStringLiteral("   ") + OrDash(tile.UsbSerial));
     lblSN->setText(QStringLiteral("SN ") + (tile.SN ? OrDash(*tile.SN) : QStringLiteral("-")) +
                    (tile.Attempt > 1 ? QStringLiteral("   try %1").arg(tile.Attempt) : QString()));
     lblStep->setText(Latin1(tile.Step));
-    const TransferPace pace = PaceOf(tile, now);
+    const TransferPace pace = PaceOf(tile);
     barTransfer->setVisible(tile.Progress.has_value());
     barTransfer->setValue(static_cast<int>(pace.Share * 1000));
     QString rate;

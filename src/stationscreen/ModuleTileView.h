@@ -14,7 +14,7 @@ class ModuleTileView final : public QFrame {
     Q_OBJECT
 public:
     explicit ModuleTileView(QWidget* parent = nullptr);
-    void Show(const ModuleTile& tile, double now);
+    void Show(const ModuleTile& tile);
 
     QLabel* lblWhere;  // port and USB serial
     QLabel* lblSN;

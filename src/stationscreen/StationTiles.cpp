@@ -13,8 +13,9 @@ ModuleTile& StationTiles::Of(int module) {
     return tiles_.at(static_cast<size_t>(module) - 1);
 }
 
-void StationTiles::Started(const ModuleJob& job, int attempt) {
+void StationTiles::Started(const ModuleJob& job, int attempt, double now) {
     ModuleTile& tile = Of(job.Module);
+    tile.TransferStart = now;
     tile.Attempt = attempt;
     tile.Step = StepWord(job.Step);
     tile.Detail.clear();
@@ -23,8 +24,9 @@ void StationTiles::Started(const ModuleJob& job, int attempt) {
 
 void StationTiles::Progress(const ModuleJob& job, const XmodemProgress& progress, double now) {
     ModuleTile& tile = Of(job.Module);
-    if (!tile.Progress || progress.Blocks == 0) tile.TransferStart = now;
+    if (progress.Blocks == 0) tile.TransferStart = now;
     tile.Progress = progress;
+    tile.TransferSeconds = now - tile.TransferStart;
 }
 
 void StationTiles::Ended(const ModuleJob& job, const ModuleRecord* record, bool ok) {
@@ -52,9 +54,9 @@ void StationTiles::Follow(const std::vector<BookEntry>& entries) {
     }
 }
 
-TransferPace PaceOf(const ModuleTile& tile, double now) {
+TransferPace PaceOf(const ModuleTile& tile) {
     if (!tile.Progress) return {};
-    return PaceOf(*tile.Progress, now - tile.TransferStart);
+    return PaceOf(*tile.Progress, tile.TransferSeconds);
 }
 
 }  // namespace sb

@@ -26,12 +26,15 @@ struct ModuleTile {
     std::string Step;    // what is done now, or how it ended
     std::string Detail;  // why it failed
     std::optional<XmodemProgress> Progress;
-    double TransferStart = 0;  // when its blocks began
+    double TransferStart = 0;    // when its blocks began
+    double TransferSeconds = 0;  // from then to its last progress
 };
 
 class StationTiles {
 public:
-    void Started(const ModuleJob& job, int attempt);
+    // A transfer is timed from its first block where the progress shows
+    // it, else from the start of its job.
+    void Started(const ModuleJob& job, int attempt, double now);
     void Progress(const ModuleJob& job, const XmodemProgress& progress, double now);
     void Ended(const ModuleJob& job, const ModuleRecord* record, bool ok);
     // The book's word on every module; call it behind every event.
@@ -44,9 +47,9 @@ private:
     std::vector<ModuleTile> tiles_;  // by module number, from 1
 };
 
-// The transfer's share and rate as the tile shows them; nothing known
-// before the first block.
-TransferPace PaceOf(const ModuleTile& tile, double now);
+// The transfer's share, and its rate up to its last progress, as the tile
+// shows them; nothing known before the first block.
+TransferPace PaceOf(const ModuleTile& tile);
 
 // The step words of the tile: "waiting", "boot", "download", and a result's.
 std::string StepWord(JobStep step);

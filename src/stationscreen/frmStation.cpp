@@ -167,7 +167,8 @@ void frmStation::BuildControls() {
     tileArea->setWidgetResizable(true);
     auto* tileHolder = new QWidget(tileArea);
     tileGrid_ = new QGridLayout(tileHolder);
-    tileGrid_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+    tileGrid_->setAlignment(Qt::AlignTop);
+    for (int column = 0; column < kTileColumns; ++column) tileGrid_->setColumnStretch(column, 1);
     tileArea->setWidget(tileHolder);
 
     cmdStart = Named(new QPushButton(QStringLiteral("Start"), this), "cmdStart");
@@ -224,7 +225,7 @@ void frmStation::Start() {
     StationSettings settings{std::move(line), 0, [r] { return ListModules(*r->inventory); },
                              [this](const std::string& text) { Note(text); }};
     // A line the log did not take is not lost: it goes to standard error as it is.
-    LineHooks hooks{[r](const ModuleJob& job, int attempt) { r->tiles.Started(job, attempt); },
+    LineHooks hooks{[r](const ModuleJob& job, int attempt) { r->tiles.Started(job, attempt, Now()); },
                     [r](const ModuleJob& job, const XmodemProgress& p) { r->tiles.Progress(job, p, Now()); },
                     [r](const ModuleJob& job, const ModuleRecord* record, bool ok) { r->tiles.Ended(job, record, ok); },
                     [](const std::string& unlogged) { std::cerr << unlogged << std::flush; }};
@@ -276,15 +277,14 @@ void frmStation::ShowRun() {
     lblFailed->setNum(counts.Failed);
     lblInProgress->setNum(counts.InProgress);
     lblWaiting->setNum(counts.Waiting);
-    const double now = Now();
     for (const ModuleTile& tile : run_->tiles.Tiles()) {
         const size_t index = static_cast<size_t>(tile.Module) - 1;
         if (index >= tiles.size()) {
-            tiles.push_back(Named(new ModuleTileView, "tile"));
+            tiles.push_back(Named(new ModuleTileView(tileGrid_->parentWidget()), "tile"));
             tileGrid_->addWidget(tiles.back(), static_cast<int>(index) / kTileColumns,
                                  static_cast<int>(index) % kTileColumns);
         }
-        tiles[index]->Show(tile, now);
+        tiles[index]->Show(tile);
     }
 }
 
