@@ -6,6 +6,7 @@
 #include "../link/QtApp.h"
 #include "../tools/ModuleProcess.h"
 #include "FirmwareImage.h"
+#include "MessageRecorder.h"
 #include "stationscreen/frmStation.h"
 
 // The station's window drives the production line of this build against
@@ -44,7 +45,7 @@ protected:
 
 TEST_F(StationScreen, AModulePluggedInGetsATileThatEndsProgrammed) {
     ModuleProcess module = Plug({"--boot"});
-    QTRY_COMPARE_WITH_TIMEOUT(station.lblProgrammed->text(), QStringLiteral("1"), 30000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return station.lblProgrammed->text() == QStringLiteral("1"); }, 30000));
     ASSERT_EQ(station.tiles.size(), 1u);
     EXPECT_EQ(Step(), "programmed");
     EXPECT_NE(station.tiles[0]->lblSN->text().indexOf(QStringLiteral("20240117")), -1);
@@ -55,14 +56,24 @@ TEST_F(StationScreen, AModulePluggedInGetsATileThatEndsProgrammed) {
 // first Stop waits for it, the second does not.
 TEST_F(StationScreen, StopThenStopInterruptsTheModuleInProgress) {
     ModuleProcess module = Plug({"--reenumerate-ms", "6000"});
-    QTRY_COMPARE_WITH_TIMEOUT(station.lblInProgress->text(), QStringLiteral("1"), 30000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return station.lblInProgress->text() == QStringLiteral("1"); }, 30000));
     station.cmdStop->click();
     EXPECT_TRUE(station.Running());
     station.cmdStop->click();
-    QTRY_VERIFY_WITH_TIMEOUT(!station.Running(), 10000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !station.Running(); }, 10000));
     EXPECT_EQ(Step(), "interrupted");
     EXPECT_EQ(station.lblFailed->text(), QStringLiteral("1"));
     EXPECT_TRUE(station.cmdStart->isEnabled());
+}
+
+TEST(StationScreenWithoutCli, RefusesToStartAndSaysWhereItLooked) {
+    QtApp();
+    MessageRecorder messages;
+    ui::frmStation station(nullptr, "/nowhere/servicebay-cli");
+    station.cmdStart->click();
+    ASSERT_EQ(messages.texts.size(), 1u);
+    EXPECT_NE(messages.texts[0].find("/nowhere/servicebay-cli"), std::string::npos) << messages.texts[0];
+    EXPECT_FALSE(station.Running());
 }
 
 }  // namespace
