@@ -28,11 +28,12 @@ bool IsModuleField(const std::string& name) {
                        [&](const auto& field) { return name == field.first; });
 }
 
-// nlohmann's SAX events, kept where the reader takes them. slot_ is where
+// nlohmann's SAX events, kept where the shape keeps them. slot_ is where
 // the next value goes, or null when it is dropped.
 class DocumentSax {
 public:
-    DocumentSax(size_t length, const std::string& source) : length_(length), source_(source) {}
+    DocumentSax(size_t length, const std::string& source, const JsonShape& shape)
+        : length_(length), source_(source), shape_(shape) {}
     Json TakeDocument() { return std::move(document_); }
 
     bool null() { return Put(nullptr); }
@@ -58,45 +59,53 @@ private:
     bool Open(Json container);
     bool Close() {
         open_.pop_back();
+        within_.pop_back();
         slot_ = nullptr;
         return true;
     }
 
     size_t length_;
     const std::string& source_;
+    const JsonShape& shape_;
     Json document_;
     Json* slot_ = &document_;
     std::vector<Json*> open_;  // the containers around the next value; null for one whose content is dropped
-    std::string member_;       // the document's member that is open
+    // The member names that lead to the open containers; the document's own
+    // is not among them.
+    std::vector<std::string> within_;
+    std::string member_;  // the last member name read
 };
 
-// Only the document and its module keep their content.
+// An object keeps its content where it was itself kept.
 bool DocumentSax::Open(Json container) {
-    if (open_.size() == kDeepestNesting)
+    if (open_.size() == shape_.DeepestNesting)
         throw ConfigFileError(ConfigFault::NotJson, source_,
                               "not a JSON document this program reads: it nests values more than " +
-                                  std::to_string(kDeepestNesting) + " levels deep");
-    const bool keeps = container.is_object() && (open_.empty() || (open_.size() == 1 && member_ == fields::kModule));
+                                  std::to_string(shape_.DeepestNesting) + " levels deep");
+    const bool keeps = container.is_object() && slot_ != nullptr;
     Json* opened = slot_;
     Put(std::move(container));
+    if (!open_.empty()) within_.push_back(member_);
+    else within_.emplace_back();
     open_.push_back(keeps ? opened : nullptr);
     return true;
 }
 
 bool DocumentSax::key(std::string& name) {
     Json* object = open_.back();
-    const bool inDocument = open_.size() == 1;
-    if (inDocument) member_ = name;
+    member_ = name;
     slot_ = nullptr;
-    if (object == nullptr || !(inDocument ? IsDocumentMember(name) : IsModuleField(name))) return true;
+    if (object == nullptr) return true;
+    const std::vector<std::string> within(within_.begin() + 1, within_.end());
+    const Kept kept = shape_.Keeps(within, name);
+    if (kept == Kept::No) return true;
     if (object->contains(name)) {
-        const std::string field = inDocument ? name : std::string(fields::kModule) + "." + name;
-        throw ConfigFileError(ConfigFault::BadField, source_, "the field \"" + field + "\" is given twice");
+        std::string field;
+        for (const std::string& outer : within) field += outer + ".";
+        throw ConfigFileError(ConfigFault::BadField, source_, "the field \"" + field + name + "\" is given twice");
     }
-    // The options are for people: their place is kept, to tell a second
-    // one, but not their content.
     Json& value = (*object)[name];
-    if (name != fields::kOptions) slot_ = &value;
+    if (kept == Kept::Value) slot_ = &value;
     return true;
 }
 
@@ -119,14 +128,25 @@ bool DocumentSax::parse_error(size_t position, const std::string& token, const n
 
 }  // namespace
 
+// The document and its module keep their content. The options are for
+// people: their place is kept, to tell a second one, but not their content.
 Json ParseDocumentJson(const std::string& text, const std::string& source) {
+    static const JsonShape shape{kDeepestNesting, [](const std::vector<std::string>& within, const std::string& name) {
+        if (within.empty())
+            return !IsDocumentMember(name) ? Kept::No : name == fields::kOptions ? Kept::Place : Kept::Value;
+        return within.size() == 1 && within[0] == fields::kModule && IsModuleField(name) ? Kept::Value : Kept::No;
+    }};
+    return ParseBoundedJson(text, source, shape);
+}
+
+Json ParseBoundedJson(const std::string& text, const std::string& source, const JsonShape& shape) {
     if (text.find_first_not_of(" \t\r\n") == std::string::npos)
         throw ConfigFileError(ConfigFault::NotJson, source, "the file is empty");
     // The parser would take a NUL byte for the end of the text.
     if (const size_t nul = text.find('\0'); nul != std::string::npos)
         throw ConfigFileError(ConfigFault::NotJson, source,
                               "not a JSON document: a NUL byte at byte " + std::to_string(nul + 1));
-    DocumentSax sax(text.size(), source);
+    DocumentSax sax(text.size(), source, shape);
     Json::sax_parse(text, &sax);
     return sax.TakeDocument();
 }

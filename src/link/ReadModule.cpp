@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "config/Catalog.h"
 #include "helpers/TrimBlanks.h"
 #include "link/CommandSet.h"
 #include "link/SkipOnPortError.h"
@@ -43,6 +44,13 @@ std::optional<PortError> ReadModuleInfo(SerialPort& port, StatusText& status, De
         if (failure && !first) first = std::move(failure);
     }
     return first;
+}
+
+std::optional<DeviceInfo> ReadModuleCatalog(SerialPort& port, StatusText& status, std::string& reason) {
+    DeviceInfo module;
+    module.InfoFile = TrimBlanks(TerminalExecute(std::string(cmd::GETINFOFILE), port, status));
+    if (!LoadCatalog(module, reason)) return std::nullopt;
+    return module;
 }
 
 }  // namespace sb

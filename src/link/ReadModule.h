@@ -15,4 +15,9 @@ namespace sb {
 // failure is answered.
 std::optional<PortError> ReadModuleInfo(SerialPort& port, StatusText& status, DeviceInfo& info);
 
+// On the open port: the module's catalog (GETINFOFILE), loaded; nothing when
+// the module has none that LoadCatalog takes (reason says why, if it can).
+// A failing port operation throws PortError.
+std::optional<DeviceInfo> ReadModuleCatalog(SerialPort& port, StatusText& status, std::string& reason);
+
 }  // namespace sb

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "config/Latin1Text.h"
+#include "production/Recipe.h"
 
 namespace sb {
 namespace {
@@ -77,6 +78,21 @@ ModuleResult ResultOfEnd(const FlashResult& result) {
     return ModuleResult::NotDownloaded;
 }
 
+// A step of a recipe failed. A download that failed ends as one without a
+// recipe does; the others have results of their own.
+void TakeStepEnd(ModuleRecord& record, const FlashResult& result) {
+    record.Step = result.Step;
+    const std::optional<RecipeStep> step = StepOfName(*result.Step);
+    if (!result.Detail.empty()) record.Detail = result.Detail;
+    if (step == RecipeStep::Download) {
+        if (record.Result == ModuleResult::Programmed) record.Result = ModuleResult::StepFailed;
+        return;
+    }
+    record.Result = step == RecipeStep::Identity ? ModuleResult::Refused
+                    : step == RecipeStep::Record ? ModuleResult::NotConfirmed
+                                                 : ModuleResult::StepFailed;
+}
+
 }  // namespace
 
 std::string ProgressLine(const XmodemProgress& progress) {
@@ -115,6 +131,11 @@ std::optional<FlashResult> ParseFlashResult(const std::string& line) {
         if (result.RecordWritten) result.RecordNumber = Field<int32_t>(*record, "number", 0);
         result.RecordEnd = TextField(*record, "end").value_or("");
     }
+    // A recipe's run reads the identity itself, before any record.
+    if (const auto sn = TextField(*object, "SN")) result.SN = sn;
+    if (const auto name = TextField(*object, "PName")) result.Name = name;
+    result.Step = TextField(*object, "step");
+    result.Detail = TextField(*object, "detail").value_or("");
     return result;
 }
 
@@ -143,6 +164,7 @@ void TakeFlashEnd(ModuleRecord& record, const ChildEnd& end, const std::optional
     else if (record.Result != ModuleResult::Programmed) record.Detail = LastLine(end.ErrorTail);
     if (record.Detail.empty() && record.Result != ModuleResult::Programmed)
         record.Detail = result->End + ", XMODEM result " + std::to_string(result->Result);
+    if (result->Step) TakeStepEnd(record, *result);
 }
 
 bool TakeBootEnd(ModuleRecord& record, const ChildEnd& end) {

@@ -27,6 +27,9 @@ struct FlashResult {
     bool RecordWritten = false;
     std::optional<int32_t> RecordNumber;
     std::string RecordEnd;  // why no record was written
+    // Under a recipe: the step that failed, and why.
+    std::optional<std::string> Step;
+    std::string Detail;
 };
 std::optional<FlashResult> ParseFlashResult(const std::string& line);
 

@@ -15,6 +15,9 @@ struct JobProgram {
     std::string Program;      // servicebay-cli, by its path
     bool Production = false;  // the production record behind each download
     bool RunAfter = false;    // RUN behind each download
+    // A recipe's path: each download carries out its steps instead, and
+    // the recipe says whether to record and to run.
+    std::string Recipe;
 };
 
 std::vector<std::string> JobCommand(const JobProgram& program, const FirmwareFile& firmware, const ModuleJob& job);

@@ -37,6 +37,8 @@ const char* ResultName(ModuleResult result) {
         case ModuleResult::Crashed: return "crashed";
         case ModuleResult::Interrupted: return "interrupted";
         case ModuleResult::FirmwareChanged: return "firmware changed";
+        case ModuleResult::Refused: return "refused";
+        case ModuleResult::StepFailed: return "step failed";
     }
     return "";
 }
@@ -94,6 +96,13 @@ std::string LogLine(const ModuleRecord& r) {
     line["run_id"] = r.Run.Id;
     line["host"] = r.Run.Host;
     line["station"] = r.Run.Station;
+    // Lines without a recipe stay as they were.
+    if (!r.RecipeFile.empty()) {
+        line["step"] = Text(r.Step);
+        line["recipe"] = r.RecipeFile;
+        line["recipe_sha256"] = r.RecipeSha256;
+        line["configuration_sha256"] = Text(r.ConfigurationSha256);
+    }
     // A file name need not be UTF-8; it must not cost the line.
     return line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
 }

@@ -19,6 +19,9 @@ enum class ModuleResult {
     Crashed,         // the download program died, or ended without a result
     Interrupted,     // stopped on request (Ctrl-C) before it had ended
     FirmwareChanged, // a line of the station itself: its firmware file changed
+    // Under a recipe, with the step that failed:
+    Refused,         // at the identity step: not the module the recipe is for
+    StepFailed,      // at the configure, verify or run step
 };
 
 // The word that stands for a result in the log and the summary.
@@ -54,6 +57,12 @@ struct ModuleRecord {
     double Seconds = 0;
     std::optional<int32_t> RecordNumber;  // of the production record, where one was written
     RunIdentity Run;
+    // Under a recipe (whose path is empty otherwise): the step that failed,
+    // and what was carried out.
+    std::optional<std::string> Step{};
+    std::string RecipeFile{};  // absolute
+    std::string RecipeSha256{};
+    std::optional<std::string> ConfigurationSha256{};
 };
 
 // A run id that no other run shares, and this machine's name. An empty

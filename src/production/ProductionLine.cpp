@@ -22,7 +22,25 @@ ProductionLine::ProductionLine(LineSettings settings, LineHooks hooks)
       children_({[this](ChildSupervisor::Id id, const std::string& line) { Line(id, line); },
                  [this](ChildSupervisor::Id id, const ChildEnd& end) { Ended(id, end); }}) {}
 
-void ProductionLine::Start(const ModuleJob& job) { Launch(job, job.Step == JobStep::Flash ? settings_.Retries : 0); }
+void ProductionLine::Start(const ModuleJob& job) {
+    // The serial the module showed when its attempt began: a boot loader
+    // need not show the serial of its firmware.
+    if (settings_.Recipe && !inBoot_.count(job.Module) && !OnOrder(*settings_.Recipe, job.UsbSerial))
+        return Refuse(job);
+    Launch(job, job.Step == JobStep::Flash ? settings_.Retries : 0);
+}
+
+// Never touched: no program is started for it.
+void ProductionLine::Refuse(const ModuleJob& job) {
+    ++attempts_[job.Module];
+    ModuleRecord record = NewRecord(job);
+    record.Result = ModuleResult::Refused;
+    record.Step = StepName(RecipeStep::Identity);
+    record.Detail = "the USB serial " + (job.UsbSerial.empty() ? std::string("(none)") : job.UsbSerial) +
+                    " is not on the order's list " + *settings_.Recipe->UsbSerialsFile;
+    record.BytesAcknowledged = 0;
+    End(job, record, 0);
+}
 
 void ProductionLine::Launch(const ModuleJob& job, int triesLeft) {
     if (!inBoot_.erase(job.Module)) {
@@ -108,6 +126,11 @@ ModuleRecord ProductionLine::NewRecord(const ModuleJob& job) {
     record.FirmwareSize = settings_.Firmware->Size();
     record.FirmwareSha256 = settings_.Firmware->Sha256();
     record.Run = settings_.Run;
+    if (const Recipe* recipe = settings_.Recipe) {
+        record.RecipeFile = recipe->Path;
+        record.RecipeSha256 = recipe->Sha256;
+        if (recipe->Configuration) record.ConfigurationSha256 = recipe->Configuration->Sha256;
+    }
     return record;
 }
 

@@ -10,6 +10,7 @@
 #include "production/FirmwareFile.h"
 #include "production/ModuleRecord.h"
 #include "production/ProductionLog.h"
+#include "production/Recipe.h"
 #include "update/Xmodem.h"
 
 // Many modules at once: each job (a switch into the boot loader, or a
@@ -47,6 +48,9 @@ struct LineSettings {
     // from Firmware->CopyPath() and prints ProgressLine lines and its result
     // line (ChildReport.h) on standard output.
     std::function<std::vector<std::string>(const ModuleJob&)> Command;
+    // none: no recipe. A module whose USB serial is not on its order is
+    // refused before anything is started for it; the jobs carry out its steps.
+    const sb::Recipe* Recipe = nullptr;
 };
 
 struct LineHooks {
@@ -66,7 +70,8 @@ public:
     ProductionLine(LineSettings settings, LineHooks hooks);
 
     // Starts the job's program; a program that cannot be started ends the job
-    // at once as crashed. A download behind a successful switch into the boot
+    // at once as crashed. A module that the recipe's order does not hold ends
+    // at once as refused, at the identity step. A download behind a successful switch into the boot
     // loader goes on with the attempt that the switch began.
     void Start(const ModuleJob& job);
     // Ends the attempt of a module that was sent into its boot loader and
@@ -94,6 +99,7 @@ private:
         std::optional<XmodemProgress> progress;
     };
     void Launch(const ModuleJob& job, int triesLeft);
+    void Refuse(const ModuleJob& job);
     void Line(ChildSupervisor::Id id, const std::string& line);
     void Ended(ChildSupervisor::Id id, const ChildEnd& end);
     void End(const ModuleJob& job, ModuleRecord& record, int triesLeft);

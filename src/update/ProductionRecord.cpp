@@ -131,4 +131,16 @@ ProductionRecord WriteProductionRecord(SerialPort& port, StatusText& status, con
     return record;
 }
 
+const char* RecordEndText(RecordEnd end) {
+    switch (end) {
+        case RecordEnd::Written: return "written";
+        case RecordEnd::UidNotSixteen: return "the UID has not 16 characters";
+        case RecordEnd::NotCleared: return "the module did not confirm CLROTP";
+        case RecordEnd::SerialError: return "the module answered Error! to GETSN";
+        case RecordEnd::WriteFailed: return "sniffer.ini could not be written";
+        case RecordEnd::NoNumberLeft: return "QTY in sniffer.ini has no record number left";
+    }
+    return "";
+}
+
 }  // namespace sb

@@ -49,6 +49,9 @@ struct ProductionRecord {
     std::optional<PortError> PortFailure;
 };
 
+// Why a record ended so, in words: "written", "the UID has not 16 characters", ...
+const char* RecordEndText(RecordEnd end);
+
 // An answer as the record stores it: a backslash doubled, a carriage return
 // written as \r and a line feed as \n, so that every value is one line.
 std::string RecordValue(const std::string& answer);

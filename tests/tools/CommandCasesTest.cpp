@@ -14,9 +14,9 @@
 // test. A case names the files it needs ("files"), the virtual modules it
 // starts ("modules": the arguments of each) and its commands ("steps", or
 // one command at the case's top): each with its arguments, its exit status,
-// its output ("out"/"err" exact, "out~"/"err~" a part, "out@" a file beside
-// this test), a part of files it leaves in the case's folder ("files~") and
-// lines of the first module's state file behind it. With
+// its output ("out"/"err" exact, "out~"/"err~" a part or a list of parts,
+// "out@" a file beside this test), parts of files it leaves in the case's
+// folder ("files~") and lines of the first module's state file behind it. With
 // "own_program" the commands run from a copy of the program in the case's
 // folder, so that the sniffer.ini beside it is the case's. $FOLDER stands
 // for the case's folder (in outputs too), $SOURCE for the source tree and
@@ -70,9 +70,11 @@ private:
             for (const std::string& device : devices) ReplaceAll(err, device, "$PORT");
             ExpectOutput(step, "err", err, caseFolder);
             const json files = step.value("files~", json::object());
-            for (const auto& [name, part] : files.items())
-                EXPECT_NE(TempFolder::Read(caseFolder + "/" + name).find(part.get<std::string>()), std::string::npos)
-                    << name;
+            for (const auto& [name, parts] : files.items())
+                for (std::string part : parts.is_array() ? parts : json::array({parts})) {
+                    ReplaceAll(part, "$FOLDER", caseFolder);
+                    EXPECT_NE(TempFolder::Read(caseFolder + "/" + name).find(part), std::string::npos) << name << ": " << part;
+                }
             const json state = step.value("state", json::object());
             for (const auto& [key, value] : state.items())
                 EXPECT_TRUE(modules.at(0)->WaitForState(key, value.get<std::string>())) << modules[0]->State(key);
@@ -99,9 +101,9 @@ private:
         if (step.contains(stream + "@")) {
             EXPECT_EQ(text, TempFolder::Read(here + step[stream + "@"].get<std::string>()));
         }
-        if (step.contains(stream + "~")) {
-            EXPECT_NE(text.find(step[stream + "~"].get<std::string>()), std::string::npos) << text;
-        }
+        const json parts = step.value(stream + "~", json::array());
+        for (const json& part : parts.is_array() ? parts : json::array({parts}))
+            EXPECT_NE(text.find(part.get<std::string>()), std::string::npos) << text;
     }
 
     const std::string source = FromEnvironment("SB_SOURCE_DIR");
@@ -112,6 +114,7 @@ TEST_F(CommandCases, Catalog) { RunCases("catalog-cases.json"); }
 TEST_F(CommandCases, Device) { RunCases("device-cases.json"); }
 TEST_F(CommandCases, ConfigFile) { RunCases("config-file-cases.json"); }
 TEST_F(CommandCases, Flash) { RunCases("flash-cases.json"); }
+TEST_F(CommandCases, Recipe) { RunCases("recipe-line-cases.json"); }
 
 }  // namespace
 }  // namespace sb::test

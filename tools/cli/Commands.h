@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 
 #include "configfiles/ConfigFileError.h"
+#include "production/Recipe.h"
 
 // Each group of commands registers itself on the application. A command that
 // fails prints its reason on standard error and throws CLI::RuntimeError with
@@ -37,6 +38,12 @@ inline constexpr int kExitSerialAmbiguous = 22;
 inline constexpr int kExitModuleFailed = 23;  // flash --all, station: a module was not programmed
 inline constexpr int kExitNoLog = 24;
 inline constexpr int kExitFirmwareChanged = 25;
+// Production recipes.
+inline constexpr int kExitRecipeUnreadable = 30;
+inline constexpr int kExitRecipeBadField = 31;
+inline constexpr int kExitRecipeFileMissing = 32;
+inline constexpr int kExitRecipeHashDiffers = 33;
+inline constexpr int kExitRecipeStepFailed = 34;
 
 struct ExitStatus {
     int Code;
@@ -69,6 +76,11 @@ inline constexpr ExitStatus kExitStatuses[] = {
     {kExitModuleFailed, "a module of the run was not programmed"},
     {kExitNoLog, "the log file cannot be written"},
     {kExitFirmwareChanged, "the firmware file changed or went away while the station ran"},
+    {kExitRecipeUnreadable, "recipe missing, unreadable or not JSON"},
+    {kExitRecipeBadField, "not a recipe, or a field of the recipe missing, wrong or unknown"},
+    {kExitRecipeFileMissing, "a file of the recipe missing, unreadable or refused"},
+    {kExitRecipeHashDiffers, "a file of the recipe has another SHA-256 than the recipe gives"},
+    {kExitRecipeStepFailed, "the module failed a step of the recipe"},
 };
 
 inline constexpr int ExitStatusOf(ConfigFault fault) {
@@ -96,5 +108,10 @@ void AddConfigFileCommands(CLI::App& app);  // save, diff
 // a catalog document.
 bool IsConfigFilePath(const std::string& path);
 void AddStationCommand(CLI::App& app);   // station
+void AddRecipeCommands(CLI::App& app);   // recipe check
+
+// The recipe at path when nothing speaks against it; otherwise every reason
+// on standard error, and the exit status of the first one.
+Recipe RecipeOrFail(const std::string& path);
 
 }  // namespace sb::cli

@@ -105,13 +105,6 @@ bool IsConfigFilePath(const std::string& path) {
     return path.size() > extension.size() && path.compare(path.size() - extension.size(), extension.size(), extension) == 0;
 }
 
-std::optional<DeviceInfo> ReadModuleCatalog(SerialPort& port, StatusText& status, std::string& reason) {
-    DeviceInfo module;
-    module.InfoFile = TrimBlanks(TerminalExecute(std::string(cmd::GETINFOFILE), port, status));
-    if (!LoadCatalog(module, reason)) return std::nullopt;
-    return module;
-}
-
 void AddConfigFileCommands(CLI::App& app) {
     auto saveOptions = std::make_shared<FileOptions>();
     CLI::App* save = app.add_subcommand("save", "Read a module in boot mode and keep its configuration in a file");

@@ -15,6 +15,7 @@
 #include "link/PortErrorText.h"
 #include "link/QtSerialPort.h"
 #include "production/ChildReport.h"
+#include "production/RecipeRun.h"
 #include "update/SnifferIni.h"
 #include "update/TransferPace.h"
 #include "update/UpdateRun.h"
@@ -37,6 +38,7 @@ struct FlashOptions {
     bool progressJson = false;
     bool runAfter = false;
     int retries = 0;
+    std::string recipe;
 };
 
 // The transfer's progress on standard error: a bar drawn again in place on a
@@ -111,21 +113,9 @@ const char* EndName(UpdateEnd end) {
     return "";
 }
 
-const char* RecordEndName(RecordEnd end) {
-    switch (end) {
-        case RecordEnd::Written: return "written";
-        case RecordEnd::UidNotSixteen: return "the UID has not 16 characters";
-        case RecordEnd::NotCleared: return "the module did not confirm CLROTP";
-        case RecordEnd::SerialError: return "the module answered Error! to GETSN";
-        case RecordEnd::WriteFailed: return "sniffer.ini could not be written";
-        case RecordEnd::NoNumberLeft: return "QTY in sniffer.ini has no record number left";
-    }
-    return "";
-}
-
 Json JsonRecord(const ProductionRecord& r) {
     Json out = {{"written", r.End == RecordEnd::Written},
-                {"end", RecordEndName(r.End)},
+                {"end", RecordEndText(r.End)},
                 {"number", r.Number},
                 {"section", JsonBytes(r.Section)},
                 {"SN", JsonBytes(r.SN)},
@@ -173,7 +163,7 @@ int Conclude(const UpdateOutcome& outcome) {
     }
     if (!outcome.Record) return 0;
     if (outcome.Record->End != RecordEnd::Written) {
-        std::cerr << "No production record: " << RecordEndName(outcome.Record->End);
+        std::cerr << "No production record: " << RecordEndText(outcome.Record->End);
         if (outcome.Record->WriteFailure) std::cerr << " (" << outcome.Record->WriteFailure.message() << ")";
         std::cerr << ".\n";
         return kExitNotConfirmed;
@@ -187,6 +177,42 @@ void StartFirmware(const std::string& portName) {
     PlainStatusText status;
     if (const auto failure = SwitchToRunning(port, portName, status, [](const std::string&) {}))
         std::cerr << TerminalLines(PortErrorText("CommPort Error", *failure)) << '\n';
+}
+
+std::string StepList(const std::vector<RecipeStep>& steps) {
+    std::string list;
+    for (RecipeStep step : steps) list += (list.empty() ? "" : ", ") + std::string(StepName(step));
+    return list;
+}
+
+// flash with a recipe: its steps on one module. The firmware is the
+// recipe's, or the file given, which must have the recipe's SHA-256 (the
+// production line hands each module a sealed copy of it).
+void FlashByRecipe(const FlashOptions& options, SerialPort& port, StatusText& status, const UpdateHooks& hooks,
+                   const std::string& iniPath, ProgressView& progress, const std::vector<std::string>& messages) {
+    const Recipe recipe = RecipeOrFail(options.recipe);
+    const std::string firmware = options.file.empty() ? recipe.Firmware.File : options.file;
+    const RecipeOutcome outcome = RecipeRun(port, status, recipe, hooks).Run(options.port, firmware, iniPath);
+    progress.EndLine();
+    const std::string step = outcome.Failed ? StepName(*outcome.Failed) : "";
+    if (options.json) {
+        Json json = outcome.Update ? JsonOutcome(options, *outcome.Update, iniPath, messages)
+                                   : Json{{"end", "not downloaded"}};
+        json["step"] = step.empty() ? Json() : Json(step);
+        json["detail"] = JsonBytes(outcome.Detail);
+        json["SN"] = outcome.SN ? JsonBytes(*outcome.SN) : Json();
+        json["PName"] = outcome.PName ? JsonBytes(*outcome.PName) : Json();
+        if (outcome.Record) json["record"] = JsonRecord(*outcome.Record);
+        PrintJson(json);
+    } else if (!outcome.Failed) {
+        std::cout << "Programmed (" << StepList(RecipeSteps(recipe)) << "), SN " << Latin1ToTerminal(*outcome.SN)
+                  << '\n';
+    } else {
+        std::cerr << "The " << step << " step failed" << (outcome.Detail.empty() ? "" : ": ")
+                  << TerminalSafeLines(outcome.Detail) << '\n';
+    }
+    std::cout.flush();
+    if (outcome.Failed) throw CLI::RuntimeError(kExitRecipeStepFailed);
 }
 
 void Flash(const FlashOptions& options) {
@@ -220,6 +246,7 @@ void Flash(const FlashOptions& options) {
     };
 
     const std::string iniPath = SnifferIniPath();
+    if (!options.recipe.empty()) return FlashByRecipe(options, port, status, hooks, iniPath, progress, messages);
     const UpdateOutcome outcome = UpdateRun(port, status, hooks).Run(options.production, iniPath);
     progress.EndLine();
     if (options.json) {
@@ -240,20 +267,28 @@ void AddFlashCommand(CLI::App& app) {
     CLI::App* flash =
         app.add_subcommand("flash", "Download a firmware file into a module in boot mode (CR BOOT CR, then XMODEM-1K)");
     AddPortOrSerial(flash, options->port, WantedMode::Boot, AddFlashAllOptions(flash, *many));
-    flash->add_option("file", options->file, "The firmware file (*.cod)")->required();
-    flash->add_flag("--production", options->production,
-                    "Behind a successful download add the production record to sniffer.ini");
+    flash->add_option("file", options->file, "The firmware file (*.cod); with --recipe, the recipe's by default");
+    CLI::Option* production = flash->add_flag("--production", options->production,
+                                              "Behind a successful download add the production record to sniffer.ini");
     flash->add_option("--retries", options->retries, "Try a failed download again up to N times (default 0)")
         ->type_name("N")
         ->check(CLI::NonNegativeNumber);
     flash->add_flag("--json", options->json, "Print the result as one JSON object");
     flash->add_flag("--progress-json", options->progressJson,
                     "The progress as one JSON line per block on standard output, for a program that watches");
-    flash->add_flag("--run-after", options->runAfter, "Start the firmware with RUN behind a successful download");
+    CLI::Option* runAfter =
+        flash->add_flag("--run-after", options->runAfter, "Start the firmware with RUN behind a successful download");
+    flash->add_option("--recipe", options->recipe,
+                      "Carry out the recipe's steps (*.sbrecipe); a file given must have its firmware's SHA-256")
+        ->type_name("RECIPE")
+        ->excludes(production)
+        ->excludes(runAfter);
     // With a log, one module's download is a production line of one: the same
     // lines, tries and summary as for many.
     flash->callback([options, many] {
+        if (options->file.empty() && options->recipe.empty()) throw CLI::RequiredError("file");
         if (!many->all && many->log.empty()) return Flash(*options);
+        many->recipe = options->recipe;
         many->file = options->file;
         many->production = options->production;
         many->retries = options->retries;

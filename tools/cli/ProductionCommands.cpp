@@ -39,19 +39,32 @@ std::string ThisProgram() {
 }
 
 struct Run {
+    std::optional<Recipe> recipe;
     std::unique_ptr<FirmwareFile> firmware;
     std::unique_ptr<ProductionLog> log;
     ProgressBoard board{std::cerr, ::isatty(STDERR_FILENO) != 0};
 };
 
-// The firmware and the log before any module is touched: a run without its
-// log is refused.
-void Prepare(Run& run, const ProductionOptions& options) {
+// A recipe's firmware is its own, and must still be the file that the
+// check read.
+void PrepareRecipe(Run& run, ProductionOptions& options) {
+    run.recipe = RecipeOrFail(options.recipe);
+    options.recipe = run.recipe->Path;
+    options.file = run.recipe->Firmware.File;
+}
+
+// The recipe, the firmware and the log before any module is touched: a run
+// without its log is refused.
+void Prepare(Run& run, ProductionOptions& options) {
+    if (!options.recipe.empty()) PrepareRecipe(run, options);
     try {
         run.firmware = std::make_unique<FirmwareFile>(options.file);
     } catch (const FirmwareError& failure) {
         Fail(kExitNoFile, failure.what());
     }
+    if (run.recipe && run.firmware->Sha256() != run.recipe->Firmware.Sha256)
+        Fail(kExitRecipeHashDiffers, options.file + ": its SHA-256 is " + run.firmware->Sha256() +
+                                         "; the recipe gives " + run.recipe->Firmware.Sha256);
     if (options.log.empty()) return;
     try {
         run.log = std::make_unique<ProductionLog>(options.log);
@@ -66,8 +79,9 @@ LineSettings SettingsOf(Run& run, const ProductionOptions& options) {
     settings.Log = run.log.get();
     settings.Run = NewRunIdentity(options.station, std::string("servicebay-cli ") + kProgramVersion);
     settings.Retries = options.retries;
+    settings.Recipe = run.recipe ? &*run.recipe : nullptr;
     const FirmwareFile* firmware = run.firmware.get();
-    const JobProgram program{ThisProgram(), options.production, options.runAfter};
+    const JobProgram program{ThisProgram(), options.production, options.runAfter, options.recipe};
     settings.Command = [program, firmware](const ModuleJob& job) { return JobCommand(program, *firmware, job); };
     return settings;
 }
@@ -129,7 +143,7 @@ void Conclude(const ProductionLine& line, const std::vector<ListedModule>& notSt
 
 }  // namespace
 
-void FlashAll(const ProductionOptions& options, const std::string& port) {
+void FlashAll(ProductionOptions options, const std::string& port) {
     Run run;
     Prepare(run, options);
     std::vector<ModuleJob> jobs;
@@ -150,7 +164,7 @@ void FlashAll(const ProductionOptions& options, const std::string& port) {
 
 namespace {
 
-void Station(const ProductionOptions& options) {
+void Station(ProductionOptions options) {
     Run run;
     Prepare(run, options);
     StopSignals signals;
@@ -161,6 +175,10 @@ void Station(const ProductionOptions& options) {
                              [&inventory] { return ListModules(*inventory); },
                              [&run](const std::string& text) { run.board.Note(text); }};
     sb::Station station(std::move(settings), HooksOf(run));
+    if (run.recipe) {
+        const std::string plan = RecipePlan(*run.recipe);
+        run.board.Note(plan.substr(0, plan.find_last_not_of('\n') + 1));
+    }
     run.board.Note("Waiting for modules (" + run.firmware->Name() + ", SHA-256 " + run.firmware->Sha256() + ")");
     StationStopping stopping("Ctrl-C", [&run](const std::string& text) { run.board.Note(text); });
     auto nextCheck = Clock::now() + kStationFirmwareCheckEvery;
@@ -196,10 +214,16 @@ void AddStationCommand(CLI::App& app) {
     auto options = std::make_shared<ProductionOptions>();
     CLI::App* station = app.add_subcommand(
         "station", "Wait for modules and program each one as it is plugged in, until Ctrl-C or --count");
-    station->add_option("file", options->file, "The firmware file (*.cod), read once at the start")->required();
-    station->add_flag("--production", options->production,
-                      "Behind each successful download add the production record to sniffer.ini");
-    station->add_flag("--run-after", options->runAfter, "Start the firmware of each programmed module with RUN");
+    CLI::Option* file = station->add_option("file", options->file, "The firmware file (*.cod), read once at the start");
+    CLI::Option* production = station->add_flag(
+        "--production", options->production, "Behind each successful download add the production record to sniffer.ini");
+    CLI::Option* runAfter =
+        station->add_flag("--run-after", options->runAfter, "Start the firmware of each programmed module with RUN");
+    station->add_option("--recipe", options->recipe, "Carry out the recipe's steps on each module (*.sbrecipe)")
+        ->type_name("RECIPE")
+        ->excludes(file)
+        ->excludes(production)
+        ->excludes(runAfter);
     station->add_option("--count", options->count, "End after N modules were programmed")
         ->type_name("N")
         ->check(CLI::PositiveNumber);
@@ -210,7 +234,10 @@ void AddStationCommand(CLI::App& app) {
         ->type_name("FILE");
     station->add_option("--station", options->station, "The station's name in the log (default: the host name)")
         ->type_name("NAME");
-    station->callback([options] { Station(*options); });
+    station->callback([options] {
+        if (options->file.empty() && options->recipe.empty()) throw CLI::RequiredError("file");
+        Station(*options);
+    });
 }
 
 }  // namespace sb::cli

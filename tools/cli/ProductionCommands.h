@@ -17,13 +17,14 @@ struct ProductionOptions {
     bool runAfter = false;
     bool all = false;  // flash only
     int count = 0;     // station only
+    std::string recipe;  // its steps for each module; file, production and runAfter are then its
 };
 
 // Adds --all, --log and --station to the flash command and returns --all; the
 // caller runs FlashAll when --all or --log was given.
 CLI::Option* AddFlashAllOptions(CLI::App* flash, ProductionOptions& options);
-// Every module in boot mode, or the one on port.
-void FlashAll(const ProductionOptions& options, const std::string& port = "");
+// Every module in boot mode, or the one on port; with a recipe, its steps.
+void FlashAll(ProductionOptions options, const std::string& port = "");
 
 void AddStationCommand(CLI::App& app);  // station
 

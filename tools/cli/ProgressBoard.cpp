@@ -48,6 +48,7 @@ void ProgressBoard::Ended(const ModuleJob& job, const ModuleRecord* record, bool
     rows_.erase(job.Port);
     if (!record) return Note(who + "  in the boot loader");
     std::string line = who + "  " + ResultName(record->Result);
+    if (record->Step) line += " at " + *record->Step;
     if (ok) line += "  " + std::to_string(record->BytesProgrammed) + " bytes";
     if (!record->Detail.empty()) line += "  " + record->Detail;
     Note(line);

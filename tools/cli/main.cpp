@@ -47,6 +47,7 @@ int main(int argc, char** argv) {
     sb::cli::AddFlashCommand(app);
     sb::cli::AddConfigFileCommands(app);
     sb::cli::AddStationCommand(app);
+    sb::cli::AddRecipeCommands(app);
 
     int status = sb::cli::kExitSuccess;
     try {
