@@ -37,7 +37,8 @@ void StationTiles::Ended(const ModuleJob& job, const ModuleRecord* record, bool 
         tile.Step = "in the boot loader";
         return;
     }
-    tile.Step = ResultName(record->Result);
+    // Under a recipe the step that failed is named: "refused at identity".
+    tile.Step = ResultName(record->Result) + (record->Step && !ok ? " at " + *record->Step : std::string());
     tile.Detail = ok ? std::string() : record->Detail;
     if (record->SN) tile.SN = record->SN;
 }

@@ -15,6 +15,8 @@
 #include "production/FirmwareFile.h"
 #include "production/JobCommand.h"
 #include "production/ProductionLog.h"
+#include "production/Recipe.h"
+#include "production/RecipeFirmware.h"
 #include "production/Station.h"
 #include "production/StationStopping.h"
 #include "production/Summary.h"
@@ -43,9 +45,21 @@ std::string CliMissing(const std::string& cli) {
     return "servicebay-cli is missing beside this program (" + cli + "); the station cannot start without it.";
 }
 
-// The firmware file that a recipe names. A recipe is the firmware file itself
-// for now, taken as the command line's station takes it.
-std::string FirmwareOfRecipe(const std::string& recipe) { return recipe; }
+bool IsRecipe(const std::string& path) { return path.ends_with(".sbrecipe"); }
+
+// Every reason to refuse the recipe, one a line.
+std::string ProblemsOf(const RecipeCheck& check) {
+    std::string text;
+    for (const RecipeProblem& problem : check.Problems) text += (text.empty() ? "" : "\r\n") + problem.Message;
+    return text;
+}
+
+// "boot, identity, download, ...": what each module goes through.
+std::string StepsOf(const Recipe& recipe) {
+    std::string steps;
+    for (const RecipeStep step : RecipeSteps(recipe)) steps += (steps.empty() ? "" : ", ") + std::string(StepName(step));
+    return steps;
+}
 
 // The last line of the summary: "2 of 3 modules programmed; failed: ...".
 std::string SummaryLine(const ProductionLine& line) {
@@ -57,6 +71,7 @@ std::string SummaryLine(const ProductionLine& line) {
 }  // namespace
 
 struct frmStation::Run {
+    std::optional<Recipe> recipe;
     std::unique_ptr<FirmwareFile> firmware;
     std::unique_ptr<ProductionLog> log;
     std::unique_ptr<PortInventory> inventory = MakePortInventory();
@@ -89,7 +104,7 @@ frmStation::frmStation(QWidget* parent, std::string cli)
     connect(cmdRecipe, &QPushButton::clicked, this, Guarded([this] {
                 const QString file = QFileDialog::getOpenFileName(
                     this, QStringLiteral("Recipe"), txtRecipe->text(),
-                    QStringLiteral("Firmware (*.cod);;All files (*)"));
+                    QStringLiteral("Recipes (*.sbrecipe);;Firmware (*.cod);;All files (*)"));
                 if (!file.isEmpty()) txtRecipe->setText(file);
             }));
     connect(cmdLog, &QPushButton::clicked, this, Guarded([this] {
@@ -133,6 +148,7 @@ void frmStation::BuildControls() {
     cmdLog = Named(new QPushButton(QStringLiteral("Choose..."), this), "cmdLog");
     chkProduction = Named(new QCheckBox(QStringLiteral("Production record"), this), "chkProduction");
     chkRunAfter = Named(new QCheckBox(QStringLiteral("Start each module after programming"), this), "chkRunAfter");
+    lblRecipe = Named(new QLabel(this), "lblRecipe");
     lblFirmware = Named(new QLabel(this), "lblFirmware");
     lblFirmware->setTextInteractionFlags(Qt::TextSelectableByMouse);
     lblLogFile = Named(new QLabel(this), "lblLogFile");
@@ -148,8 +164,9 @@ void frmStation::BuildControls() {
     flags->addWidget(chkRunAfter);
     flags->addStretch();
     setup->addLayout(flags, 2, 1);
-    setup->addWidget(lblFirmware, 3, 0, 1, 3);
-    setup->addWidget(lblLogFile, 4, 0, 1, 3);
+    setup->addWidget(lblRecipe, 3, 0, 1, 3);
+    setup->addWidget(lblFirmware, 4, 0, 1, 3);
+    setup->addWidget(lblLogFile, 5, 0, 1, 3);
 
     auto* counts = new QGridLayout;
     lblProgrammed = CountLabel(counts, 0, "lblProgrammed", QStringLiteral("Programmed"), ModuleStage::Programmed);
@@ -205,9 +222,23 @@ void frmStation::cmdStart_Click() {
 // cannot be opened is refused, as on the command line.
 void frmStation::Start() {
     auto run = std::make_unique<Run>();
+    const std::string chosen = Bytes(txtRecipe->text().trimmed());
     const std::string log = Bytes(txtLog->text().trimmed());
+    if (IsRecipe(chosen)) {
+        RecipeCheck check = CheckRecipe(chosen);
+        if (!check.Ok()) {
+            ShowMessage(ProblemsOf(check));
+            return;
+        }
+        run->recipe = std::move(check.Recipe);
+        chkProduction->setChecked(run->recipe->ProductionRecord);
+        chkRunAfter->setChecked(run->recipe->RunAfter);
+    }
     try {
-        run->firmware = std::make_unique<FirmwareFile>(FirmwareOfRecipe(Bytes(txtRecipe->text().trimmed())));
+        run->firmware = std::make_unique<FirmwareFile>(run->recipe ? run->recipe->Firmware.File : chosen);
+        if (run->recipe)
+            if (const std::string differs = RecipeFirmwareDiffers(*run->recipe, *run->firmware); !differs.empty())
+                throw FirmwareError(differs);
         if (!log.empty()) run->log = std::make_unique<ProductionLog>(log);
     } catch (const std::runtime_error& refused) {
         ShowMessage(refused.what());
@@ -217,7 +248,9 @@ void frmStation::Start() {
     line.Firmware = run->firmware.get();
     line.Log = run->log.get();
     line.Run = NewRunIdentity("", std::string("servicebay ") + kProgramVersion);
-    const JobProgram program{cli_, chkProduction->isChecked(), chkRunAfter->isChecked()};
+    line.Recipe = run->recipe ? &*run->recipe : nullptr;
+    const JobProgram program{cli_, chkProduction->isChecked(), chkRunAfter->isChecked(),
+                             run->recipe ? run->recipe->Path : std::string()};
     line.Command = [program, firmware = run->firmware.get()](const ModuleJob& job) {
         return JobCommand(program, *firmware, job);
     };
@@ -237,6 +270,9 @@ void frmStation::Start() {
     for (ModuleTileView* tile : tiles) delete tile;
     tiles.clear();
     run_ = std::move(run);
+    lblRecipe->setText(run_->recipe ? QStringLiteral("Recipe %1   %2")
+                                          .arg(Latin1(run_->recipe->Path), Latin1(StepsOf(*run_->recipe)))
+                                    : QStringLiteral("No recipe: the firmware file alone"));
     lblFirmware->setText(QStringLiteral("Firmware %1   SHA-256 %2")
                              .arg(Latin1(run_->firmware->Name()), Latin1(run_->firmware->Sha256())));
     lblLogFile->setText(log.empty() ? QStringLiteral("No log file") : QStringLiteral("Log ") + Latin1(log));

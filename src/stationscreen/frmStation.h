@@ -37,6 +37,7 @@ public:
     QPushButton* cmdLog;
     QCheckBox* chkProduction;
     QCheckBox* chkRunAfter;
+    QLabel* lblRecipe;    // its path and the steps of each module
     QLabel* lblFirmware;  // its SHA-256
     QLabel* lblLogFile;
     QLabel* lblProgrammed;

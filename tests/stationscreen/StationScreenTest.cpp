@@ -7,6 +7,7 @@
 #include "../tools/ModuleProcess.h"
 #include "FirmwareImage.h"
 #include "MessageRecorder.h"
+#include "helpers/Sha256.h"
 #include "stationscreen/frmStation.h"
 
 // The station's window drives the production line of this build against
@@ -26,7 +27,9 @@ protected:
         station.chkProduction->setChecked(true);
         TempFolder::Write(firmware, RandomBytes(5000, 11));
         TempFolder::Write(profile, TempFolder::Read(SampleFile("SampleModule.profile")) + "UsbSerial = SB0701\n");
-        station.txtRecipe->setText(QString::fromStdString(firmware));
+    }
+    void Start(const std::string& recipe) {
+        station.txtRecipe->setText(QString::fromStdString(recipe));
         station.cmdStart->click();
     }
     ModuleProcess Plug(std::vector<std::string> args) {
@@ -44,6 +47,7 @@ protected:
 };
 
 TEST_F(StationScreen, AModulePluggedInGetsATileThatEndsProgrammed) {
+    Start(firmware);
     ModuleProcess module = Plug({"--boot"});
     ASSERT_TRUE(QTest::qWaitFor([&] { return station.lblProgrammed->text() == QStringLiteral("1"); }, 30000));
     ASSERT_EQ(station.tiles.size(), 1u);
@@ -55,6 +59,7 @@ TEST_F(StationScreen, AModulePluggedInGetsATileThatEndsProgrammed) {
 // The module is away for a while on its way into its boot loader: the
 // first Stop waits for it, the second does not.
 TEST_F(StationScreen, StopThenStopInterruptsTheModuleInProgress) {
+    Start(firmware);
     ModuleProcess module = Plug({"--reenumerate-ms", "6000"});
     ASSERT_TRUE(QTest::qWaitFor([&] { return station.lblInProgress->text() == QStringLiteral("1"); }, 30000));
     station.cmdStop->click();
@@ -64,6 +69,18 @@ TEST_F(StationScreen, StopThenStopInterruptsTheModuleInProgress) {
     EXPECT_EQ(Step(), "interrupted");
     EXPECT_EQ(station.lblFailed->text(), QStringLiteral("1"));
     EXPECT_TRUE(station.cmdStart->isEnabled());
+}
+
+TEST_F(StationScreen, ARecipeRefusesAModuleThatIsNotOnItsOrder) {
+    const std::string recipe = folder.File("r.sbrecipe");
+    TempFolder::Write(folder.File("order.txt"), "SB0702\n");
+    TempFolder::Write(recipe, R"({"format": "servicebay-recipe", "version": 1, "production_record": false,
+        "run_after": false, "expect": {"usb_serials_file": "order.txt"},
+        "firmware": {"file": "fw.cod", "sha256": ")" + Sha256Hex(TempFolder::Read(firmware)) + "\"}}");
+    Start(recipe);
+    ModuleProcess module = Plug({"--boot"});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return station.lblFailed->text() == QStringLiteral("1"); }, 30000));
+    EXPECT_EQ(Step(), "refused at identity");
 }
 
 TEST(StationScreenWithoutCli, RefusesToStartAndSaysWhereItLooked) {

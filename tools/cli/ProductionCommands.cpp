@@ -15,6 +15,7 @@
 #include "link/SystemInventory.h"
 #include "production/FirmwareFile.h"
 #include "production/JobCommand.h"
+#include "production/RecipeFirmware.h"
 #include "production/ProductionLog.h"
 #include "production/Station.h"
 #include "production/StationStopping.h"
@@ -62,9 +63,9 @@ void Prepare(Run& run, ProductionOptions& options) {
     } catch (const FirmwareError& failure) {
         Fail(kExitNoFile, failure.what());
     }
-    if (run.recipe && run.firmware->Sha256() != run.recipe->Firmware.Sha256)
-        Fail(kExitRecipeHashDiffers, options.file + ": its SHA-256 is " + run.firmware->Sha256() +
-                                         "; the recipe gives " + run.recipe->Firmware.Sha256);
+    if (run.recipe)
+        if (const std::string differs = RecipeFirmwareDiffers(*run.recipe, *run.firmware); !differs.empty())
+            Fail(kExitRecipeHashDiffers, differs);
     if (options.log.empty()) return;
     try {
         run.log = std::make_unique<ProductionLog>(options.log);
