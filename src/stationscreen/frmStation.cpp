@@ -1,6 +1,7 @@
 #include "stationscreen/frmStation.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -35,13 +36,15 @@ double Now() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-std::string CliBesideThisProgram() {
-    return Bytes(QCoreApplication::applicationDirPath()) + "/servicebay-cli";
-}
+// Paths are the file system's bytes (UTF-8 here), not texts of the module.
+std::string PathOf(const QString& text) { return QFile::encodeName(text).toStdString(); }
+QString PathText(const std::string& path) { return QFile::decodeName(QByteArray::fromStdString(path)); }
+
+std::string CliBesideThisProgram() { return PathOf(QCoreApplication::applicationDirPath()) + "/servicebay-cli"; }
 
 // Why the children cannot run; empty when they can.
 std::string CliMissing(const std::string& cli) {
-    if (QFileInfo(Latin1(cli)).isExecutable()) return {};
+    if (QFileInfo(PathText(cli)).isExecutable()) return {};
     return "servicebay-cli is missing beside this program (" + cli + "); the station cannot start without it.";
 }
 
@@ -222,8 +225,8 @@ void frmStation::cmdStart_Click() {
 // cannot be opened is refused, as on the command line.
 void frmStation::Start() {
     auto run = std::make_unique<Run>();
-    const std::string chosen = Bytes(txtRecipe->text().trimmed());
-    const std::string log = Bytes(txtLog->text().trimmed());
+    const std::string chosen = PathOf(txtRecipe->text().trimmed());
+    const std::string log = PathOf(txtLog->text().trimmed());
     if (IsRecipe(chosen)) {
         RecipeCheck check = CheckRecipe(chosen);
         if (!check.Ok()) {
@@ -271,15 +274,14 @@ void frmStation::Start() {
     tiles.clear();
     run_ = std::move(run);
     lblRecipe->setText(run_->recipe ? QStringLiteral("Recipe %1   %2")
-                                          .arg(Latin1(run_->recipe->Path), Latin1(StepsOf(*run_->recipe)))
+                                          .arg(PathText(run_->recipe->Path), Latin1(StepsOf(*run_->recipe)))
                                     : QStringLiteral("No recipe: the firmware file alone"));
     lblFirmware->setText(QStringLiteral("Firmware %1   SHA-256 %2")
-                             .arg(Latin1(run_->firmware->Name()), Latin1(run_->firmware->Sha256())));
-    lblLogFile->setText(log.empty() ? QStringLiteral("No log file") : QStringLiteral("Log ") + Latin1(log));
+                             .arg(PathText(run_->firmware->Name()), Latin1(run_->firmware->Sha256())));
+    lblLogFile->setText(log.empty() ? QStringLiteral("No log file") : QStringLiteral("Log ") + PathText(log));
     for (QWidget* input : std::initializer_list<QWidget*>{txtRecipe, cmdRecipe, txtLog, cmdLog, chkProduction,
                                                           chkRunAfter, cmdStart})
         input->setEnabled(false);
-    cmdStop->setText(QStringLiteral("Stop"));
     cmdStop->setEnabled(true);
     Note("Waiting for modules.");
     firmwareCheck_.start();
@@ -335,6 +337,7 @@ void frmStation::Finish() {
     for (QWidget* input : std::initializer_list<QWidget*>{txtRecipe, cmdRecipe, txtLog, cmdLog, chkProduction,
                                                           chkRunAfter, cmdStart})
         input->setEnabled(true);
+    cmdStop->setText(QStringLiteral("Stop"));
     cmdStop->setEnabled(false);
 }
 
