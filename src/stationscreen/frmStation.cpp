@@ -120,7 +120,17 @@ frmStation::frmStation(QWidget* parent, std::string cli)
     Note(missing.empty() ? "Choose the recipe and press Start." : missing);
 }
 
-frmStation::~frmStation() = default;
+// The program ends: the modules in progress are stopped, as by a second
+// Stop, and their ends logged before it goes.
+frmStation::~frmStation() {
+    if (!Running()) return;
+    try {
+        run_->station->Abort();
+        while (run_->station->Line().Running() > 0) run_->station->Line().Children().Wait(-1);
+    } catch (const std::exception&) {
+        // What is still running is killed with the line.
+    }
+}
 
 bool frmStation::Running() const { return run_ && !run_->ended; }
 

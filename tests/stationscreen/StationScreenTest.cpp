@@ -71,6 +71,19 @@ TEST_F(StationScreen, StopThenStopInterruptsTheModuleInProgress) {
     EXPECT_TRUE(station.cmdStart->isEnabled());
 }
 
+TEST_F(StationScreen, ClosingTheProgramInterruptsTheModuleInProgressAndLogsIt) {
+    const std::string log = folder.File("run.log");
+    ModuleProcess module = Plug({"--reenumerate-ms", "6000"});
+    {
+        ui::frmStation closing{nullptr, cli};
+        closing.txtLog->setText(QString::fromStdString(log));
+        closing.txtRecipe->setText(QString::fromStdString(firmware));
+        closing.cmdStart->click();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return closing.lblInProgress->text() == QStringLiteral("1"); }, 30000));
+    }
+    EXPECT_NE(TempFolder::Read(log).find(R"("result":"interrupted")"), std::string::npos) << TempFolder::Read(log);
+}
+
 TEST_F(StationScreen, ARecipeRefusesAModuleThatIsNotOnItsOrder) {
     const std::string recipe = folder.File("r.sbrecipe");
     TempFolder::Write(folder.File("order.txt"), "SB0702\n");
