@@ -8,7 +8,7 @@ std::vector<std::string> JobCommand(const JobProgram& program, const FirmwareFil
                                      "--progress-json"};
     // The child checks the recipe again, and the copy's bytes against it.
     if (!program.Recipe.empty()) {
-        argv.insert(argv.end(), {"--recipe", program.Recipe});
+        argv.insert(argv.end(), {"--recipe", program.Recipe, "--line-child"});
         return argv;
     }
     if (program.Production) argv.push_back("--production");

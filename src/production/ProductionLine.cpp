@@ -36,8 +36,7 @@ void ProductionLine::Refuse(const ModuleJob& job) {
     ModuleRecord record = NewRecord(job);
     record.Result = ModuleResult::Refused;
     record.Step = StepName(RecipeStep::Identity);
-    record.Detail = "the USB serial " + (job.UsbSerial.empty() ? std::string("(none)") : job.UsbSerial) +
-                    " is not on the order's list " + *settings_.Recipe->UsbSerialsFile;
+    record.Detail = OffOrderReason(*settings_.Recipe, job.UsbSerial);
     record.BytesAcknowledged = 0;
     End(job, record, 0);
 }

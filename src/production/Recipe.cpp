@@ -180,7 +180,8 @@ std::optional<PinnedFile> Checker::Pinned(const Json& json, const std::string& n
     const std::optional<std::string> file = Text(*object, member::kFile, name, true);
     std::optional<std::string> sha256 = Text(*object, member::kSha256, name, true);
     if (sha256) {
-        std::transform(sha256->begin(), sha256->end(), sha256->begin(), [](unsigned char c) { return std::tolower(c); });
+        std::transform(sha256->begin(), sha256->end(), sha256->begin(),
+                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
         if (sha256->size() != 64 || sha256->find_first_not_of("0123456789abcdef") != std::string::npos) {
             BadField("the field " + Quoted(name + "." + member::kSha256) + " is no SHA-256 (64 hex digits): " +
                      Quoted(ShortText(*sha256)));
@@ -270,7 +271,8 @@ std::set<std::string> ParseUsbSerials(const std::string& text, const std::string
         if (std::any_of(serial.begin(), serial.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }))
             problems.push_back({RecipeFault::FileRefused, where + "the serial holds a control character"});
         else if (!serials.insert(serial).second)
-            problems.push_back({RecipeFault::FileRefused, where + "the serial " + ShortText(serial) + " is given twice"});
+            problems.push_back(
+                {RecipeFault::FileRefused, where + "the serial " + ShortText(serial) + " is given twice"});
     }
     if (serials.empty()) problems.push_back({RecipeFault::FileRefused, source + ": the list holds no serial"});
     return serials;
@@ -345,6 +347,11 @@ std::string RecipePlan(const Recipe& recipe) {
 
 bool OnOrder(const Recipe& recipe, const std::string& usbSerial) {
     return !recipe.UsbSerialsFile || recipe.UsbSerials.count(usbSerial) > 0;
+}
+
+std::string OffOrderReason(const Recipe& recipe, const std::string& usbSerial) {
+    return "the USB serial " + (usbSerial.empty() ? std::string("(none)") : ShortText(usbSerial)) +
+           " is not on the order's list " + recipe.UsbSerialsFile.value_or("");
 }
 
 }  // namespace sb

@@ -90,6 +90,8 @@ std::string RecipePlan(const Recipe& recipe);
 // Whether a module of that USB serial belongs to the order; every module
 // does when the recipe names no list.
 bool OnOrder(const Recipe& recipe, const std::string& usbSerial);
+// Why a module of that USB serial is refused, for the log.
+std::string OffOrderReason(const Recipe& recipe, const std::string& usbSerial);
 
 // The list of USB serials in the text: one a line, blanks around it taken
 // away; blank lines and lines that begin with '#' are passed over. Adds a

@@ -53,8 +53,8 @@ TEST(RecipeRun, TheFirstStepThatFailsEndsTheModule) {
             take(bytes);
         };
         RecordingStatus status;
-        const RecipeOutcome outcome =
-            RecipeRun(module.port, status, recipe, {}).Run("ttyACM0", folder.File("fw.cod"), folder.File("sniffer.ini"));
+        const RecipeOutcome outcome = RecipeRun(module.port, status, recipe, {})
+                                          .Run("ttyACM0", folder.File("fw.cod"), folder.File("sniffer.ini"));
         EXPECT_FALSE(module.port.PortOpen());
         EXPECT_EQ(module.boots, c["boots"].get<int>());
         EXPECT_EQ(outcome.Failed ? StepName(*outcome.Failed) : nlohmann::json(), c["failed"]);

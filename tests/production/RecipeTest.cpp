@@ -40,7 +40,9 @@ TEST(Recipe, EveryReasonToRefuseARecipeIsNamed) {
         }
         std::vector<std::string> steps;
         for (RecipeStep step : RecipeSteps(check.Recipe)) steps.push_back(StepName(step));
-        if (c.contains("steps")) EXPECT_EQ(steps, c["steps"].get<std::vector<std::string>>());
+        if (c.contains("steps")) {
+            EXPECT_EQ(steps, c["steps"].get<std::vector<std::string>>());
+        }
         const nlohmann::json onOrder = c.value("on_order", nlohmann::json::object());
         for (const auto& [serial, on] : onOrder.items())
             EXPECT_EQ(OnOrder(check.Recipe, serial), on.get<bool>()) << serial;

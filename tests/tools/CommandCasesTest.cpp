@@ -73,7 +73,8 @@ private:
             for (const auto& [name, parts] : files.items())
                 for (std::string part : parts.is_array() ? parts : json::array({parts})) {
                     ReplaceAll(part, "$FOLDER", caseFolder);
-                    EXPECT_NE(TempFolder::Read(caseFolder + "/" + name).find(part), std::string::npos) << name << ": " << part;
+                    EXPECT_NE(TempFolder::Read(caseFolder + "/" + name).find(part), std::string::npos)
+                        << name << ": " << part;
                 }
             const json state = step.value("state", json::object());
             for (const auto& [key, value] : state.items())

@@ -14,8 +14,10 @@
 #include "link/ModeSwitch.h"
 #include "link/PortErrorText.h"
 #include "link/QtSerialPort.h"
+#include "link/SystemInventory.h"
 #include "production/ChildReport.h"
 #include "production/RecipeRun.h"
+#include "production/StationBook.h"
 #include "update/SnifferIni.h"
 #include "update/TransferPace.h"
 #include "update/UpdateRun.h"
@@ -39,6 +41,7 @@ struct FlashOptions {
     bool runAfter = false;
     int retries = 0;
     std::string recipe;
+    bool lineChild = false;  // run by a production line, which has checked the USB serial
 };
 
 // The transfer's progress on standard error: a bar drawn again in place on a
@@ -185,14 +188,32 @@ std::string StepList(const std::vector<RecipeStep>& steps) {
     return list;
 }
 
-// flash with a recipe: its steps on one module. The firmware is the
+// The serial of the port's USB identity, as the listing shows it; empty for
+// a port it does not show.
+std::string UsbSerialOf(const std::string& port) {
+    for (const ListedModule& module : ListModules(*MakePortInventory()))
+        if (module.Port == port) return module.UsbSerial;
+    return {};
+}
+
+// flash with a recipe: its steps on one module. A production line has
+// checked the module's USB serial against the order when it took the module
+// up (the boot loader's may be another); alone, this program does. The firmware is the
 // recipe's, or the file given, which must have the recipe's SHA-256 (the
 // production line hands each module a sealed copy of it).
 void FlashByRecipe(const FlashOptions& options, SerialPort& port, StatusText& status, const UpdateHooks& hooks,
                    const std::string& iniPath, ProgressView& progress, const std::vector<std::string>& messages) {
     const Recipe recipe = RecipeOrFail(options.recipe);
     const std::string firmware = options.file.empty() ? recipe.Firmware.File : options.file;
-    const RecipeOutcome outcome = RecipeRun(port, status, recipe, hooks).Run(options.port, firmware, iniPath);
+    RecipeOutcome outcome;
+    const bool checkOrder = !options.lineChild && recipe.UsbSerialsFile;
+    const std::string serial = checkOrder ? UsbSerialOf(options.port) : "";
+    if (checkOrder && !OnOrder(recipe, serial)) {
+        outcome.Failed = RecipeStep::Identity;
+        outcome.Detail = OffOrderReason(recipe, serial);
+    } else {
+        outcome = RecipeRun(port, status, recipe, hooks).Run(options.port, firmware, iniPath);
+    }
     progress.EndLine();
     const std::string step = outcome.Failed ? StepName(*outcome.Failed) : "";
     if (options.json) {
@@ -283,6 +304,7 @@ void AddFlashCommand(CLI::App& app) {
         ->type_name("RECIPE")
         ->excludes(production)
         ->excludes(runAfter);
+    flash->add_flag("--line-child", options->lineChild, "Run by a production line")->group("");
     // With a log, one module's download is a production line of one: the same
     // lines, tries and summary as for many.
     flash->callback([options, many] {

@@ -216,8 +216,9 @@ void AddStationCommand(CLI::App& app) {
     CLI::App* station = app.add_subcommand(
         "station", "Wait for modules and program each one as it is plugged in, until Ctrl-C or --count");
     CLI::Option* file = station->add_option("file", options->file, "The firmware file (*.cod), read once at the start");
-    CLI::Option* production = station->add_flag(
-        "--production", options->production, "Behind each successful download add the production record to sniffer.ini");
+    CLI::Option* production =
+        station->add_flag("--production", options->production,
+                          "Behind each successful download add the production record to sniffer.ini");
     CLI::Option* runAfter =
         station->add_flag("--run-after", options->runAfter, "Start the firmware of each programmed module with RUN");
     station->add_option("--recipe", options->recipe, "Carry out the recipe's steps on each module (*.sbrecipe)")
