@@ -39,7 +39,7 @@ void StationTiles::Ended(const ModuleJob& job, const ModuleRecord* record, bool 
     }
     // Under a recipe the step that failed is named: "refused at identity".
     tile.Step = ResultName(record->Result) + (record->Step && !ok ? " at " + *record->Step : std::string());
-    tile.Detail = ok ? std::string() : record->Detail;
+    tile.Detail = record->Detail;
     if (record->SN) tile.SN = record->SN;
 }
 
