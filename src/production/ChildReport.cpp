@@ -111,6 +111,14 @@ std::optional<XmodemProgress> ParseProgressLine(const std::string& line) {
     return progress;
 }
 
+std::string StepLine(RecipeStep step) { return json{{"step_begins", StepName(step)}}.dump() + '\n'; }
+
+std::optional<RecipeStep> ParseStepLine(const std::string& line) {
+    const auto object = ParseObject(line);
+    const auto name = object ? TextField(*object, "step_begins") : std::nullopt;
+    return name ? StepOfName(*name) : std::nullopt;
+}
+
 std::optional<FlashResult> ParseFlashResult(const std::string& line) {
     const auto object = ParseObject(line);
     if (!object) return std::nullopt;

@@ -4,6 +4,7 @@
 
 #include "production/ChildSupervisor.h"
 #include "production/ModuleRecord.h"
+#include "production/Recipe.h"
 #include "update/Xmodem.h"
 
 // What a download program tells the production line, one JSON object a line
@@ -15,6 +16,10 @@ namespace sb {
 // {"progress": {"blocks": 3, "bytes": 3072, "total": 10000}}
 std::string ProgressLine(const XmodemProgress& progress);
 std::optional<XmodemProgress> ParseProgressLine(const std::string& line);
+
+// Under a recipe, as each step begins: {"step_begins": "configure"}
+std::string StepLine(RecipeStep step);
+std::optional<RecipeStep> ParseStepLine(const std::string& line);
 
 struct FlashResult {
     std::string End;  // "programmed", "not downloaded", "no port", "no file", "file unreadable"

@@ -84,6 +84,8 @@ void ProductionLine::Line(ChildSupervisor::Id id, const std::string& line) {
     if (const auto progress = ParseProgressLine(line)) {
         run.progress = progress;
         if (hooks_.Progress) hooks_.Progress(run.job, *progress);
+    } else if (const auto step = ParseStepLine(line)) {
+        if (hooks_.Step) hooks_.Step(run.job, *step);
     } else if (!line.empty()) {
         run.lastLine = line;
     }

@@ -63,6 +63,8 @@ struct LineHooks {
     std::function<void(const ModuleJob&, const ModuleRecord* record, bool ok)> Ended;
     // A line that the log could not take, as it would have stood there.
     std::function<void(const std::string& line)> Unlogged;
+    // Under a recipe: a job's module has begun that step.
+    std::function<void(const ModuleJob&, RecipeStep)> Step;
 };
 
 class ProductionLine {

@@ -21,6 +21,10 @@ constexpr int64_t kLongestFirmware = (int64_t{1} << 31) - 1;
 // As for a configuration file; an order of a million serials fits too.
 constexpr int64_t kLongestList = int64_t{16} << 20;
 
+// A list of serials names so many faulty lines, and counts the others: a
+// file of millions of them must not make millions of messages.
+constexpr int kMostLinesNamed = 10;
+
 // The document and the objects of its members: nothing nests deeper.
 constexpr size_t kDeepestNesting = 2;
 
@@ -264,16 +268,22 @@ std::set<std::string> ParseUsbSerials(const std::string& text, const std::string
     std::set<std::string> serials;
     std::istringstream lines(text);
     std::string line;
+    int faults = 0;
+    const auto refuse = [&](int number, const std::string& what) {
+        if (++faults <= kMostLinesNamed)
+            problems.push_back({RecipeFault::FileRefused, source + ": line " + std::to_string(number) + ": " + what});
+    };
     for (int number = 1; std::getline(lines, line); ++number) {
         const std::string serial = TrimBlanks(line);
         if (serial.empty() || serial[0] == '#') continue;
-        const std::string where = source + ": line " + std::to_string(number) + ": ";
         if (std::any_of(serial.begin(), serial.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }))
-            problems.push_back({RecipeFault::FileRefused, where + "the serial holds a control character"});
+            refuse(number, "the serial holds a control character");
         else if (!serials.insert(serial).second)
-            problems.push_back(
-                {RecipeFault::FileRefused, where + "the serial " + ShortText(serial) + " is given twice"});
+            refuse(number, "the serial " + ShortText(serial) + " is given twice");
     }
+    if (faults > kMostLinesNamed)
+        problems.push_back({RecipeFault::FileRefused,
+                            source + ": and " + std::to_string(faults - kMostLinesNamed) + " more lines like these"});
     if (serials.empty()) problems.push_back({RecipeFault::FileRefused, source + ": the list holds no serial"});
     return serials;
 }
@@ -314,8 +324,8 @@ std::string StepPlan(const Recipe& recipe, RecipeStep step) {
         case RecipeStep::Identity: {
             std::string plan = "GETSN is read, and must answer the same at every later step";
             if (recipe.UsbSerialsFile)
-                plan += "; the USB serial must be one of the " + std::to_string(recipe.UsbSerials.size()) +
-                        " of " + *recipe.UsbSerialsFile;
+                plan += "; the USB serial must be on the list " + *recipe.UsbSerialsFile + " (" +
+                        std::to_string(recipe.UsbSerials.size()) + " serials)";
             if (recipe.ExpectedPName) plan += "; GETNAME must answer " + Quoted(ShortText(*recipe.ExpectedPName));
             return plan;
         }

@@ -23,12 +23,22 @@ struct StepFailed {
     std::string why;
 };
 
+// Read apart from the update run's own reading, so that a module holds
+// one copy of the firmware while it is sent.
+std::string FileSha256(const std::string& path) {
+    std::string bytes;
+    if (ReadWholeFile(path, bytes, kLongestFirmware) != WholeFileRead::Complete)
+        throw StepFailed{path + " cannot be read"};
+    return Sha256Hex(bytes);
+}
+
 std::string Quoted(const std::string& answer) { return "\"" + ShortText(answer) + "\""; }
 
 }  // namespace
 
-RecipeRun::RecipeRun(SerialPort& port, StatusText& status, const Recipe& recipe, UpdateHooks hooks)
-    : port_(port), status_(status), recipe_(recipe), hooks_(std::move(hooks)) {}
+RecipeRun::RecipeRun(SerialPort& port, StatusText& status, const Recipe& recipe, UpdateHooks hooks,
+                     std::function<void(RecipeStep)> entered)
+    : port_(port), status_(status), recipe_(recipe), hooks_(std::move(hooks)), entered_(std::move(entered)) {}
 
 RecipeOutcome RecipeRun::Run(const std::string& portName, const std::string& firmwarePath,
                              const std::string& iniPath) {
@@ -50,9 +60,19 @@ RecipeOutcome RecipeRun::Run(const std::string& portName, const std::string& fir
         outcome_.Failed = step_;
         outcome_.Detail = std::string("the port failed: ") + failure.what() +
                           (failure.reason.empty() ? "" : " (" + failure.reason + ")");
+    } catch (const std::exception& failure) {
+        // A module's answer this program could not take (a catalog of
+        // numbers beyond its range) fails the module, not the program.
+        outcome_.Failed = step_;
+        outcome_.Detail = failure.what();
     }
     if (port_.PortOpen()) SkipOnPortError([this] { port_.SetPortOpen(false); });
     return outcome_;
+}
+
+void RecipeRun::Enter(RecipeStep step) {
+    step_ = step;
+    if (entered_) entered_(step);
 }
 
 void RecipeRun::Open() {
@@ -66,7 +86,7 @@ std::string RecipeRun::Ask(std::string_view command) {
 }
 
 void RecipeRun::Identity() {
-    step_ = RecipeStep::Identity;
+    Enter(RecipeStep::Identity);
     Open();
     const std::string sn = Ask(cmd::GETSN);
     if (sn.empty() || sn == kNoAnswer || sn == cmd::AnswerError)
@@ -82,11 +102,8 @@ void RecipeRun::Identity() {
 // One try: the production line tries a failed download again, as an
 // attempt of its own. Nothing is sent unless the bytes are the recipe's.
 void RecipeRun::Download(const std::string& firmwarePath) {
-    step_ = RecipeStep::Download;
-    std::string bytes;
-    if (ReadWholeFile(firmwarePath, bytes, kLongestFirmware) != WholeFileRead::Complete)
-        throw StepFailed{firmwarePath + " cannot be read"};
-    if (const std::string sha256 = Sha256Hex(bytes); sha256 != recipe_.Firmware.Sha256)
+    Enter(RecipeStep::Download);
+    if (const std::string sha256 = FileSha256(firmwarePath); sha256 != recipe_.Firmware.Sha256)
         throw StepFailed{"the firmware's SHA-256 is " + sha256 + "; the recipe gives " + recipe_.Firmware.Sha256};
     UpdateHooks hooks = hooks_;
     hooks.FileName = [firmwarePath] { return firmwarePath; };
@@ -103,7 +120,7 @@ void RecipeRun::Download(const std::string& firmwarePath) {
 }
 
 void RecipeRun::Configure() {
-    step_ = RecipeStep::Configure;
+    Enter(RecipeStep::Configure);
     Open();
     std::string reason;
     catalog_ = ReadModuleCatalog(port_, status_, reason);
@@ -118,14 +135,14 @@ void RecipeRun::Configure() {
 }
 
 void RecipeRun::Verify() {
-    step_ = RecipeStep::Verify;
+    Enter(RecipeStep::Verify);
     const VerifyResult verified = VerifyWrite(*catalog_, recipe_.Config->Device.CfgImage, Ask(cmd::GETAPPCFG));
     if (!verified.Holds) throw StepFailed{VerifyMessage(verified)};
     SameModule(RecipeStep::Verify, Ask(cmd::GETSN));
 }
 
 void RecipeRun::Record(const std::string& iniPath) {
-    step_ = RecipeStep::Record;
+    Enter(RecipeStep::Record);
     Open();
     const ProductionRecord& record = *(outcome_.Record = WriteProductionRecord(port_, status_, iniPath));
     if (record.End != RecordEnd::Written)
@@ -134,7 +151,7 @@ void RecipeRun::Record(const std::string& iniPath) {
 }
 
 void RecipeRun::StartFirmware() {
-    step_ = RecipeStep::Run;
+    Enter(RecipeStep::Run);
     Open();
     SameModule(RecipeStep::Run, Ask(cmd::GETSN));
     port_.SetPortOpen(false);

@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -34,12 +35,14 @@ public:
     // firmwarePath: the bytes the download sends, which must have the
     // recipe's SHA-256 (a sealed copy of the recipe's firmware, or the file
     // itself). hooks: ShowMessage and Progress for the download; it is
-    // tried once.
-    RecipeRun(SerialPort& port, StatusText& status, const Recipe& recipe, UpdateHooks hooks);
+    // tried once. entered (may be empty) is told as each step begins.
+    RecipeRun(SerialPort& port, StatusText& status, const Recipe& recipe, UpdateHooks hooks,
+              std::function<void(RecipeStep)> entered = {});
 
     RecipeOutcome Run(const std::string& portName, const std::string& firmwarePath, const std::string& iniPath);
 
 private:
+    void Enter(RecipeStep step);
     void Identity();
     void Download(const std::string& firmwarePath);
     void Configure();
@@ -54,6 +57,7 @@ private:
     StatusText& status_;
     const Recipe& recipe_;
     UpdateHooks hooks_;
+    std::function<void(RecipeStep)> entered_;
     std::string portName_;
     std::optional<DeviceInfo> catalog_;  // the module's, read for the configuration
     RecipeOutcome outcome_;

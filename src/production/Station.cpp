@@ -14,7 +14,7 @@ Station::Station(StationSettings settings, LineHooks hooks)
                                        [this](const ModuleJob& job, const ModuleRecord* record, bool ok) {
                                            JobEnded(job, record, ok);
                                        },
-                                       hooks_.Unlogged}) {}
+                                       hooks_.Unlogged, hooks_.Step}) {}
 
 void Station::Refresh() {
     // A job that fails to start ends at once and asks for a refresh from

@@ -107,13 +107,15 @@ struct FakeLine {
     ProductionLog log{folder.File("line.log")};
     std::map<std::string, std::string> scripts;
     int progress = 0;
+    int steps = 0;  // under a recipe, as the programs began them
 
     LineSettings Settings(int retries = 0) {
         return {&firmware, &log, {"run 1", "host 1", "bench", "test 1"}, retries, {.Total = 30s},
                 [this](const ModuleJob& job) { return std::vector<std::string>{"sh", "-c", scripts.at(job.Port)}; }};
     }
     LineHooks Hooks() {
-        return {{}, [this](const ModuleJob&, const XmodemProgress&) { ++progress; }, {}, {}};
+        return {{}, [this](const ModuleJob&, const XmodemProgress&) { ++progress; }, {}, {},
+                [this](const ModuleJob&, RecipeStep) { ++steps; }};
     }
     std::vector<nlohmann::json> Logged() const {
         std::vector<nlohmann::json> lines;
@@ -171,6 +173,7 @@ TEST(ProductionLine, EachTryOfADownloadIsLoggedWhenItStartsAndWhenItEnds) {
     for (size_t c = 0; c < cases.size(); ++c)
         EXPECT_EQ(tries[c], cases[c].value("tries", 1) * (c + 1 == cases.size() ? 2 : 1)) << "case " << c;
     EXPECT_EQ(fake.progress, 3);
+    EXPECT_EQ(fake.steps, 3);
 }
 
 // The file changes while a module is on its way into its boot loader: the

@@ -34,7 +34,8 @@ Recipe RecipeOf(const nlohmann::json& c, const std::string& firmware) {
 
 // Each case of recipe-run-cases.json: the module's answers that differ from
 // a healthy one's, a GETSN answer that changes from its nth question on, and
-// the step that fails (with a part of why), and how often BOOT went out.
+// the step that fails (with a part of why), how often BOOT went out, and
+// the steps begun.
 TEST(RecipeRun, TheFirstStepThatFailsEndsTheModule) {
     for (const nlohmann::json& c : TestCases("production/recipe-run-cases.json")) {
         SCOPED_TRACE(c["name"].get<std::string>());
@@ -53,8 +54,13 @@ TEST(RecipeRun, TheFirstStepThatFailsEndsTheModule) {
             take(bytes);
         };
         RecordingStatus status;
-        const RecipeOutcome outcome = RecipeRun(module.port, status, recipe, {})
+        std::vector<std::string> entered;
+        const auto enter = [&entered](RecipeStep step) { entered.push_back(StepName(step)); };
+        const RecipeOutcome outcome = RecipeRun(module.port, status, recipe, {}, enter)
                                           .Run("ttyACM0", folder.File("fw.cod"), folder.File("sniffer.ini"));
+        if (c.contains("entered")) {
+            EXPECT_EQ(entered, c["entered"].get<std::vector<std::string>>());
+        }
         EXPECT_FALSE(module.port.PortOpen());
         EXPECT_EQ(module.boots, c["boots"].get<int>());
         EXPECT_EQ(outcome.Failed ? StepName(*outcome.Failed) : nlohmann::json(), c["failed"]);

@@ -212,7 +212,10 @@ void FlashByRecipe(const FlashOptions& options, SerialPort& port, StatusText& st
         outcome.Failed = RecipeStep::Identity;
         outcome.Detail = OffOrderReason(recipe, serial);
     } else {
-        outcome = RecipeRun(port, status, recipe, hooks).Run(options.port, firmware, iniPath);
+        const auto entered = [&options](RecipeStep step) {
+            if (options.progressJson) std::cout << StepLine(step) << std::flush;
+        };
+        outcome = RecipeRun(port, status, recipe, hooks, entered).Run(options.port, firmware, iniPath);
     }
     progress.EndLine();
     const std::string step = outcome.Failed ? StepName(*outcome.Failed) : "";

@@ -92,7 +92,8 @@ LineHooks HooksOf(Run& run) {
     return {[&run](const ModuleJob& job, int attempt) { run.board.Started(job, attempt); },
             [&run](const ModuleJob& job, const XmodemProgress& p) { run.board.Progress(job, p); },
             [&run](const ModuleJob& job, const ModuleRecord* record, bool ok) { run.board.Ended(job, record, ok); },
-            [&run](const std::string& line) { run.board.Note(line.substr(0, line.find_last_not_of('\n') + 1)); }};
+            [&run](const std::string& line) { run.board.Note(line.substr(0, line.find_last_not_of('\n') + 1)); },
+            {}};
 }
 
 // One turn of the loop: waits for the children, the stop signals and the
