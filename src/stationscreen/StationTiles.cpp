@@ -22,6 +22,8 @@ void StationTiles::Started(const ModuleJob& job, int attempt, double now) {
     tile.Progress.reset();
 }
 
+void StationTiles::Begun(const ModuleJob& job, const std::string& step) { Of(job.Module).Step = step; }
+
 void StationTiles::Progress(const ModuleJob& job, const XmodemProgress& progress, double now) {
     ModuleTile& tile = Of(job.Module);
     if (progress.Blocks == 0) tile.TransferStart = now;

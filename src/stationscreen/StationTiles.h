@@ -35,6 +35,8 @@ public:
     // A transfer is timed from its first block where the progress shows
     // it, else from the start of its job.
     void Started(const ModuleJob& job, int attempt, double now);
+    // Under a recipe: the module has begun that step ("identity", "verify", ...).
+    void Begun(const ModuleJob& job, const std::string& step);
     void Progress(const ModuleJob& job, const XmodemProgress& progress, double now);
     void Ended(const ModuleJob& job, const ModuleRecord* record, bool ok);
     // The book's word on every module; call it behind every event.

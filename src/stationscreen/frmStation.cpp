@@ -274,7 +274,8 @@ void frmStation::Start() {
     LineHooks hooks{[r](const ModuleJob& job, int attempt) { r->tiles.Started(job, attempt, Now()); },
                     [r](const ModuleJob& job, const XmodemProgress& p) { r->tiles.Progress(job, p, Now()); },
                     [r](const ModuleJob& job, const ModuleRecord* record, bool ok) { r->tiles.Ended(job, record, ok); },
-                    [](const std::string& unlogged) { std::cerr << unlogged << std::flush; }};
+                    [](const std::string& unlogged) { std::cerr << unlogged << std::flush; },
+                    [r](const ModuleJob& job, RecipeStep step) { r->tiles.Begun(job, StepName(step)); }};
     run->station = std::make_unique<Station>(std::move(settings), std::move(hooks));
     run->stopping = std::make_unique<StationStopping>("Stop", [this](const std::string& text) { Note(text); });
     run->pump = std::make_unique<ChildPump>(run->station->Line().Children());

@@ -24,12 +24,13 @@ TEST(StationTiles, FollowTheStepsOfAModuleAndKeepTheRateOfItsLastTransfer) {
     tiles.Started(flash, 1, 9.0), step();
     tiles.Progress(flash, {0, 0, 4096}, 10.0);
     tiles.Progress(flash, {2, 2048, 4096}, 12.0);
+    tiles.Begun(flash, "configure"), step();
     tiles.Ended(flash, &failed, false), step();
     const ModuleTile ended = tiles.Tiles().at(0);
     book(ModuleStage::Failed, false);
     book(ModuleStage::Waiting, true), step();
 
-    EXPECT_EQ(steps, (std::vector<std::string>{"waiting", "boot", "in the boot loader", "download", "not downloaded",
+    EXPECT_EQ(steps, (std::vector<std::string>{"waiting", "boot", "in the boot loader", "download", "configure", "not downloaded",
                                                "waiting"}));
     EXPECT_EQ(ended.SN, "20240117");
     EXPECT_EQ(ended.Detail, "the device has gone");
