@@ -15,6 +15,7 @@
 #include "link/SystemInventory.h"
 #include "mainscreen/ConfigOptionsFile.h"
 #include "mainscreen/HelpMenu.h"
+#include "stationscreen/frmStation.h"
 #include "mainscreen/UpdateScreens.h"
 #include "mainscreen/WindowTrace.h"
 #include "ui/Guarded.h"
@@ -120,6 +121,8 @@ void frmDeviceCofigurator::BuildControls() {
     mnuEditor = Named(mnuTools->addAction(QStringLiteral("Data Base Viewer/Editor")), "mnuEditor");
     mnuTools->addSeparator();
     mnuOfflineRead = Named(mnuTools->addAction(QStringLiteral("Read info from ConfigOptions.xml")), "mnuOfflineRead");
+    mnuTools->addSeparator();
+    AddStationMenu(*mnuTools, *this);
     AddConfigFileMenus();
     AddEditMenu();
     AddEditorMenus();

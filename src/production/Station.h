@@ -1,4 +1,5 @@
 #pragma once
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -15,6 +16,9 @@
 // since the start stops the station from starting anything more, and a
 // module already in its boot loader is left there with a line of its own.
 namespace sb {
+
+// A firmware file that changes is seen within this time, also while no module comes.
+constexpr std::chrono::seconds kStationFirmwareCheckEvery{1};
 
 struct StationSettings {
     LineSettings Line;
@@ -44,6 +48,7 @@ public:
     // The modules seen that nothing was started for.
     std::vector<ListedModule> NotStarted() const { return book_.NotStarted(); }
     ProductionLine& Line() { return line_; }
+    const StationBook& Book() const { return book_; }
 
 private:
     void JobEnded(const ModuleJob& job, const ModuleRecord* record, bool ok);

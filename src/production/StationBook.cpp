@@ -125,6 +125,32 @@ std::vector<ListedModule> StationBook::NotStarted() const {
     return waiting;
 }
 
+std::vector<BookEntry> StationBook::Entries() const {
+    std::vector<BookEntry> entries;
+    for (size_t i = 0; i < modules_.size(); ++i) {
+        const Module& module = modules_[i];
+        const ModuleStage stage = module.stage == Stage::Seen         ? ModuleStage::Waiting
+                                  : module.stage == Stage::Programmed ? ModuleStage::Programmed
+                                  : module.stage == Stage::Failed     ? ModuleStage::Failed
+                                                                      : ModuleStage::InProgress;
+        entries.push_back({static_cast<int>(i) + 1, module.port, module.serial, stage, module.present});
+    }
+    return entries;
+}
+
+StationCounts CountsOf(const std::vector<BookEntry>& entries) {
+    StationCounts counts;
+    for (const BookEntry& entry : entries) {
+        switch (entry.Stage) {
+            case ModuleStage::Programmed: ++counts.Programmed; break;
+            case ModuleStage::Failed: ++counts.Failed; break;
+            case ModuleStage::InProgress: ++counts.InProgress; break;
+            case ModuleStage::Waiting: counts.Waiting += entry.Present ? 1 : 0; break;
+        }
+    }
+    return counts;
+}
+
 int StationBook::InProgress() const {
     return static_cast<int>(std::count_if(modules_.begin(), modules_.end(), [](const Module& m) {
         return m.stage == Stage::Booting || m.stage == Stage::Booted || m.stage == Stage::Flashing;

@@ -29,6 +29,27 @@ struct ListedModule {
 // left out. A failing inventory gives what it had found until then.
 std::vector<ListedModule> ListModules(PortInventory& inventory);
 
+// How far a module has come, as its operator sees it.
+enum class ModuleStage { Waiting, InProgress, Programmed, Failed };
+
+struct BookEntry {
+    int Module = 0;         // the book's number of the module, as its jobs carry it
+    std::string Port;       // where it was seen last
+    std::string UsbSerial;
+    ModuleStage Stage = ModuleStage::Waiting;
+    bool Present = false;  // in the last listing
+};
+
+// The modules by their stage; one waits only while it is plugged in.
+struct StationCounts {
+    int Programmed = 0;
+    int Failed = 0;
+    int InProgress = 0;
+    int Waiting = 0;
+    bool operator==(const StationCounts&) const = default;
+};
+StationCounts CountsOf(const std::vector<BookEntry>& entries);
+
 struct StationPlan {
     std::vector<ModuleJob> Jobs;
     // Programmed modules that came back: left alone.
@@ -53,6 +74,8 @@ public:
     std::optional<ModuleJob> Stranded() const;
     // The modules seen that nothing was started for.
     std::vector<ListedModule> NotStarted() const;
+    // Every module seen, in the order it was first seen.
+    std::vector<BookEntry> Entries() const;
     // Stopped, or the count reached, and no module in progress.
     bool Finished() const;
     int Programmed() const { return programmed_; }

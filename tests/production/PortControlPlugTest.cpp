@@ -26,11 +26,11 @@ TEST_F(PortControlPlugging, AModulePluggedInWhileTheDialogIsShownAppearsInItsLis
     frmPortControl dialog;
     dialog.show();
     ModuleProcess module(folder, {"--boot"});
-    QTRY_VERIFY_WITH_TIMEOUT(Lists(dialog.cmbUSBBootList, module.Device()), 10000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Lists(dialog.cmbUSBBootList, module.Device()); }, 10000));
     EXPECT_FALSE(Lists(hidden.cmbUSBBootList, module.Device()));
     EXPECT_EQ(dialog.txtSelPort->text().toStdString(), module.Device());
     module.Stop();
-    QTRY_VERIFY_WITH_TIMEOUT(!Lists(dialog.cmbUSBBootList, module.Device()), 10000);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !Lists(dialog.cmbUSBBootList, module.Device()); }, 10000));
 }
 
 }  // namespace

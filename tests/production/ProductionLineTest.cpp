@@ -309,9 +309,13 @@ TEST(StationBook, EndsAfterItsCountOrAStopOnceItsJobsHaveEnded) {
         if (count == 0) book.Stop();
         EXPECT_TRUE(book.Plan({{"ttyACM1", "S2", B}, {"ttyACM2", "S3", B}}).Jobs.empty()) << count;
         EXPECT_FALSE(book.Finished()) << count;
+        EXPECT_EQ(CountsOf(book.Entries()), (StationCounts{0, 0, 1, 2})) << count;
         book.Ended(jobs[0], count > 0);
         EXPECT_TRUE(book.Finished()) << count;
         EXPECT_EQ(book.NotStarted().size(), 2u) << count;
+        // The first module is gone: its result stands, a waiting one must be plugged in.
+        book.Plan({{"ttyACM1", "S2", B}});
+        EXPECT_EQ(CountsOf(book.Entries()), (StationCounts{count, 1 - count, 0, 1})) << count;
     }
 }
 

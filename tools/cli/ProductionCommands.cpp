@@ -15,8 +15,11 @@
 #include "link/DeviceEvents.h"
 #include "link/SystemInventory.h"
 #include "production/FirmwareFile.h"
+#include "production/JobCommand.h"
+#include "production/RecipeFirmware.h"
 #include "production/ProductionLog.h"
 #include "production/Station.h"
+#include "production/StationStopping.h"
 #include "production/StopSignals.h"
 #include "production/Summary.h"
 
@@ -24,9 +27,6 @@ namespace sb::cli {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-// A firmware file that changes is seen within this time, also while no module comes.
-constexpr auto kFirmwareCheckEvery = std::chrono::seconds(1);
 
 [[noreturn]] void Fail(int status, const std::string& message) {
     std::cerr << message << '\n';
@@ -38,26 +38,6 @@ std::string ThisProgram() {
     std::error_code failed;
     const auto path = std::filesystem::read_symlink("/proc/self/exe", failed);
     return failed ? "servicebay-cli" : path.string();
-}
-
-// The program line of one job: one try, for the line counts and logs each
-// try itself. A download reads the sealed copy of the firmware, so every
-// module gets the bytes whose SHA-256 the log names.
-std::vector<std::string> JobCommand(const ProductionOptions& options, const FirmwareFile& firmware,
-                                    const ModuleJob& job) {
-    std::vector<std::string> argv = {ThisProgram(), "boot", "--port", job.Port, "--json"};
-    if (job.Step != JobStep::EnterBoot)
-        argv = {ThisProgram(), "flash", "--port", job.Port, firmware.CopyPath(), "--json", "--progress-json"};
-    for (auto& argument : TraceArguments(job.Port)) argv.push_back(std::move(argument));
-    if (job.Step == JobStep::EnterBoot) return argv;
-    // The child checks the recipe again, and the copy's bytes against it.
-    if (!options.recipe.empty()) {
-        argv.insert(argv.end(), {"--recipe", options.recipe, "--line-child"});
-        return argv;
-    }
-    if (options.production) argv.push_back("--production");
-    if (options.runAfter) argv.push_back("--run-after");
-    return argv;
 }
 
 struct Run {
@@ -85,9 +65,9 @@ void Prepare(Run& run, ProductionOptions& options) {
     } catch (const FirmwareError& failure) {
         Fail(kExitNoFile, failure.what());
     }
-    if (run.recipe && run.firmware->Sha256() != run.recipe->Firmware.Sha256)
-        Fail(kExitRecipeHashDiffers, options.file + ": its SHA-256 is " + run.firmware->Sha256() +
-                                         "; the recipe gives " + run.recipe->Firmware.Sha256);
+    if (run.recipe)
+        if (const std::string differs = RecipeFirmwareDiffers(*run.recipe, *run.firmware); !differs.empty())
+            Fail(kExitRecipeHashDiffers, differs);
     if (options.log.empty()) return;
     try {
         run.log = std::make_unique<ProductionLog>(options.log);
@@ -105,7 +85,13 @@ LineSettings SettingsOf(Run& run, const ProductionOptions& options) {
     settings.Recipe = run.recipe ? &*run.recipe : nullptr;
     settings.Jobs = options.jobs;
     const FirmwareFile* firmware = run.firmware.get();
-    settings.Command = [options, firmware](const ModuleJob& job) { return JobCommand(options, *firmware, job); };
+    const JobProgram program{ThisProgram(), options.production, options.runAfter, options.recipe};
+    // Each module's program traces into a file of its own.
+    settings.Command = [program, firmware](const ModuleJob& job) {
+        std::vector<std::string> argv = JobCommand(program, *firmware, job);
+        for (auto& argument : TraceArguments(job.Port)) argv.push_back(std::move(argument));
+        return argv;
+    };
     return settings;
 }
 
@@ -170,31 +156,6 @@ void Conclude(const ProductionLine& line, const std::vector<ListedModule>& notSt
     if (!failed.empty() || !notStarted.empty()) throw CLI::RuntimeError(kExitModuleFailed);
 }
 
-// Ctrl-C and its kin: the first one lets the modules in progress end, the
-// second stops them. A log that fails stops the station as the first does.
-class Stopping {
-public:
-    explicit Stopping(ProgressBoard& board) : board_(board) {}
-    void Take(sb::Station& station, int stops) {
-        for (int i = 0; i < stops; ++i) {
-            if (++stops_ > 1) station.Abort();
-            else Begin(station, "Stopping: the modules in progress are finished first (Ctrl-C again to stop them).");
-        }
-        if (station.Line().LogFailure() && !begun_)
-            Begin(station, "Stopping: the log cannot be written; the modules in progress are finished first.");
-    }
-
-private:
-    void Begin(sb::Station& station, const std::string& why) {
-        if (!begun_) board_.Note(why);
-        begun_ = true;
-        station.Stop();
-    }
-    ProgressBoard& board_;
-    int stops_ = 0;
-    bool begun_ = false;
-};
-
 }  // namespace
 
 void FlashAll(ProductionOptions options, const std::string& port) {
@@ -234,8 +195,8 @@ void Station(ProductionOptions options) {
         run.board.Note(plan.substr(0, plan.find_last_not_of('\n') + 1));
     }
     run.board.Note("Waiting for modules (" + run.firmware->Name() + ", SHA-256 " + run.firmware->Sha256() + ")");
-    Stopping stopping(run.board);
-    auto nextCheck = Clock::now() + kFirmwareCheckEvery;
+    StationStopping stopping("Ctrl-C", [&run](const std::string& text) { run.board.Note(text); });
+    auto nextCheck = Clock::now() + kStationFirmwareCheckEvery;
     station.Refresh();
     while (!station.Finished()) {
         const auto untilCheck = std::chrono::ceil<std::chrono::milliseconds>(nextCheck - Clock::now());
@@ -244,7 +205,7 @@ void Station(ProductionOptions options) {
         if (turn.devices) station.Refresh();
         if (Clock::now() >= nextCheck) {
             station.CheckFirmware();
-            nextCheck = Clock::now() + kFirmwareCheckEvery;
+            nextCheck = Clock::now() + kStationFirmwareCheckEvery;
         }
         stopping.Take(station, turn.stops);
     }
