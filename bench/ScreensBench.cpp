@@ -85,17 +85,24 @@ sb::TreeNode* FreeMember(sb::ui::frmDeviceCofigurator& form) {
     return nullptr;
 }
 
-void CheckBoxClickOnValueNode(benchmark::State& state) {
-    CatalogFile catalog;
-    sb::ui::frmDeviceCofigurator form(catalog.Path().toStdString());
+// The box of a free bit-field member of the form after a read; none, and
+// the benchmark skipped, when the catalog has no such member.
+QTreeWidgetItem* FreeMemberBoxAfterRead(sb::ui::frmDeviceCofigurator& form, benchmark::State& state) {
     form.show();
     form.Command1->click();
     sb::TreeNode* member = FreeMember(form);
     if (!member) {
         state.SkipWithError("no free bit-field member");
-        return;
+        return nullptr;
     }
-    QTreeWidgetItem* item = form.Tree().ItemOf(*member);
+    return form.Tree().ItemOf(*member);
+}
+
+void CheckBoxClickOnValueNode(benchmark::State& state) {
+    CatalogFile catalog;
+    sb::ui::frmDeviceCofigurator form(catalog.Path().toStdString());
+    QTreeWidgetItem* item = FreeMemberBoxAfterRead(form, state);
+    if (!item) return;
     item->parent()->setExpanded(true);
     form.tvOptions->scrollToItem(item);
     sb::WaitMs(50);
@@ -144,14 +151,8 @@ void SearchKeystroke(benchmark::State& state) {
 void UndoOfOneChange(benchmark::State& state) {
     CatalogFile catalog;
     sb::ui::frmDeviceCofigurator form(catalog.Path().toStdString());
-    form.show();
-    form.Command1->click();
-    sb::TreeNode* member = FreeMember(form);
-    if (!member) {
-        state.SkipWithError("no free bit-field member");
-        return;
-    }
-    QTreeWidgetItem* item = form.Tree().ItemOf(*member);
+    QTreeWidgetItem* item = FreeMemberBoxAfterRead(form, state);
+    if (!item) return;
     item->setCheckState(0, item->checkState(0) == Qt::Checked ? Qt::Unchecked : Qt::Checked);
     emit form.tvOptions->mouseUp();
     sb::WaitMs(50);
