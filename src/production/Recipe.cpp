@@ -155,10 +155,12 @@ const Json* Checker::Member(const Json& object, const std::string& name, const s
 
 void Checker::NoOtherMembers(const Json& object, std::initializer_list<const char*> known,
                              const std::string& within) {
-    for (const auto& [name, value] : object.items())
+    for (const auto& member : object.items()) {
+        const std::string& name = member.key();
         if (std::none_of(known.begin(), known.end(), [&](const char* k) { return name == k; }))
             BadField("the field " + Quoted(ShortText(within.empty() ? name : within + "." + name)) +
                      " is not one of a recipe");
+    }
 }
 
 std::optional<std::string> Checker::Text(const Json& object, const std::string& name, const std::string& within,
