@@ -89,7 +89,10 @@ private:
     void Option(int32_t index, const OptionRec& option, TreeNode& optNode) {
         std::string shown;
         const std::string raw = GetOptionValue(image_, option, shown);
-        optNode.SetText(option.Name + ":" + shown);
+        // One buffer for every option's text: a rebuild of a large tree
+        // would otherwise allocate a text per option to compare it.
+        text_.assign(option.Name).append(":").append(shown);
+        optNode.SetText(text_);
         optNode.SetTag(raw);
         const bool locked = TestBit(cfg_.DisabledMask, index, 1);
         optNode.SetForeColor(locked ? kColorRed : kColorBlack);
@@ -99,6 +102,7 @@ private:
         // for nodes yet to make.
         std::optional<std::string> own;
         std::optional<std::string> optionKey;
+        const bool list = IsListType(option.Type);
         TreeNode* valNode = optNode.Child();
         const auto& entries = option.Values.Items;
         for (size_t j = 0; j < entries.size(); ++j) {
@@ -112,8 +116,7 @@ private:
                                        *own, locked);
             }
             if (!valNode) continue;
-            const bool on = IsListType(option.Type) ? valNode->Tag() == optNode.Tag()
-                                                    : MemberIsOn(optNode.Tag(), entry);
+            const bool on = list ? valNode->Tag() == raw : MemberIsOn(raw, entry);
             valNode->SetChecked(on);
             valNode->SetBold(on);
             valNode = valNode->Next();
@@ -136,6 +139,7 @@ private:
     const DeviceInfo& device_;
     const PredefCfg& cfg_;
     OptionTree& tree_;
+    std::string text_;  // the option's text, made here
 };
 
 }  // namespace
