@@ -320,6 +320,10 @@ std::vector<RecipeStep> RecipeSteps(const Recipe& recipe) {
 
 namespace {
 
+// A field of the recipe that was refused stands in the plan as "?"; the
+// reasons below the plan say why.
+std::string OrRefused(const std::string& field) { return field.empty() ? "?" : field; }
+
 std::string StepPlan(const Recipe& recipe, RecipeStep step) {
     switch (step) {
         case RecipeStep::Boot: return "a running module is sent into its boot loader";
@@ -332,11 +336,11 @@ std::string StepPlan(const Recipe& recipe, RecipeStep step) {
             return plan;
         }
         case RecipeStep::Download:
-            return recipe.Firmware.File + " (" +
+            return OrRefused(recipe.Firmware.File) + " (" +
                    (recipe.FirmwareSize > 0 ? std::to_string(recipe.FirmwareSize) + " bytes, " : "") + "SHA-256 " +
-                   recipe.Firmware.Sha256 + ")";
+                   OrRefused(recipe.Firmware.Sha256) + ")";
         case RecipeStep::Configure:
-            return recipe.Configuration->File + " (SHA-256 " + recipe.Configuration->Sha256 +
+            return OrRefused(recipe.Configuration->File) + " (SHA-256 " + OrRefused(recipe.Configuration->Sha256) +
                    (recipe.Config ? ", Id " + recipe.Config->Document.Id : std::string()) +
                    "), if it fits the module's catalog";
         case RecipeStep::Verify: return "the configuration is read back and must be the one written";

@@ -12,8 +12,11 @@ std::string FindingsText(const std::vector<Finding>& findings) {
     for (const auto& finding : findings) {
         const bool problem = finding.Kind != Trouble::None;
         problems += problem;
-        text += std::string(problem ? "PROBLEM " : "ok      ") + finding.Check + ": " + finding.What + "\n";
-        if (problem) text += "        fix: " + finding.Fix + "\n";
+        // A check that found nothing wrong here may still give advice: a rule
+        // missing where the user reaches the module anyway.
+        const char* mark = problem ? "PROBLEM " : finding.Fix.empty() ? "ok      " : "note    ";
+        text += std::string(mark) + finding.Check + ": " + finding.What + "\n";
+        if (!finding.Fix.empty()) text += "        fix: " + finding.Fix + "\n";
     }
     return text + (problems == 0 ? "Nothing wrong found.\n"
                                  : std::to_string(problems) + (problems == 1 ? " problem" : " problems") + " found.\n");
@@ -26,7 +29,7 @@ Json FindingsJson(const std::vector<Finding>& findings) {
         const bool problem = finding.Kind != Trouble::None;
         problems += problem;
         list.push_back({{"check", finding.Check}, {"problem", problem}, {"what", JsonBytes(finding.What)},
-                        {"fix", problem ? JsonBytes(finding.Fix) : Json()}});
+                        {"fix", finding.Fix.empty() ? Json() : JsonBytes(finding.Fix)}});
     }
     return {{"problems", problems}, {"findings", list}};
 }
