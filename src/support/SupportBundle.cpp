@@ -5,7 +5,6 @@
 #include <sys/utsname.h>
 
 #include <chrono>
-#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -104,10 +103,13 @@ nlohmann::ordered_json Manifest(const std::vector<Part>& parts) {
 
 class Archive {
 public:
+    // The archive is made in memory (its parts are bounded) and written to
+    // path in one step by the program's one atomic writer.
     explicit Archive(const std::string& path) : path_(path) {
         if (!archive_ || ::archive_write_add_filter_gzip(archive_.get()) != ARCHIVE_OK ||
             ::archive_write_set_format_pax_restricted(archive_.get()) != ARCHIVE_OK ||
-            ::archive_write_open_filename(archive_.get(), path.c_str()) != ARCHIVE_OK)
+            ::archive_write_set_bytes_in_last_block(archive_.get(), 1) != ARCHIVE_OK ||
+            ::archive_write_open2(archive_.get(), &bytes_, nullptr, Append, nullptr, nullptr) != ARCHIVE_OK)
             Fail();
     }
     void Add(const std::string& name, const std::string& content) {
@@ -123,16 +125,23 @@ public:
         ::archive_entry_free(entry);
         if (!written) Fail();
     }
-    void Close() {
+    // The whole archive.
+    const std::string& Close() {
         if (::archive_write_close(archive_.get()) != ARCHIVE_OK) Fail();
+        return bytes_;
     }
 
 private:
+    static la_ssize_t Append(archive*, void* bytes, const void* buffer, size_t length) {
+        static_cast<std::string*>(bytes)->append(static_cast<const char*>(buffer), length);
+        return static_cast<la_ssize_t>(length);
+    }
     [[noreturn]] void Fail() {
         const char* why = archive_ ? ::archive_error_string(archive_.get()) : nullptr;
         throw std::runtime_error(path_ + " cannot be written: " + (why ? why : "out of memory"));
     }
     std::string path_;
+    std::string bytes_;
     std::unique_ptr<archive, int (*)(archive*)> archive_{::archive_write_new(), ::archive_write_free};
 };
 
@@ -140,21 +149,13 @@ private:
 
 void WriteSupportBundle(const std::string& path, const BundleSources& sources) {
     const std::vector<Part> parts = Parts(sources);
-    const std::string temporary = path + ".part";
-    try {
-        Archive archive(temporary);
-        archive.Add("manifest.json", Manifest(parts).dump(2) + "\n");
-        for (const auto& part : parts)
-            if (part.Content) archive.Add(part.File, *part.Content);
-        archive.Close();
-    } catch (...) {
-        std::remove(temporary.c_str());
-        throw;
-    }
-    if (std::rename(temporary.c_str(), path.c_str()) != 0) {
-        std::remove(temporary.c_str());
-        throw std::runtime_error(path + " cannot be written");
-    }
+    Archive archive(path);
+    archive.Add("manifest.json", Manifest(parts).dump(2) + "\n");
+    for (const auto& part : parts)
+        if (part.Content) archive.Add(part.File, *part.Content);
+    std::error_code failure;
+    if (!ReplaceFileAtomically(path, archive.Close(), &failure))
+        throw std::runtime_error(path + " cannot be written: " + failure.message());
 }
 
 std::string SystemVersions(const SystemView& system) {
