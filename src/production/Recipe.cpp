@@ -237,8 +237,7 @@ void Checker::CheckFirmware() {
     if (bytes->empty()) return Refuse(RecipeFault::FileMissing, firmware.File, "the firmware file is empty");
     check_.Recipe.FirmwareSize = static_cast<int64_t>(bytes->size());
     if (const std::string sha256 = Sha256Hex(*bytes); sha256 != firmware.Sha256)
-        Refuse(RecipeFault::HashDiffers, firmware.File,
-               "its SHA-256 is " + sha256 + "; the recipe gives " + firmware.Sha256);
+        Refuse(RecipeFault::HashDiffers, firmware.File, "its " + OtherSha256(sha256, firmware.Sha256));
 }
 
 void Checker::CheckConfiguration() {
@@ -246,8 +245,7 @@ void Checker::CheckConfiguration() {
     const std::optional<std::string> bytes = ReadFile(configuration.File, kLongestList);
     if (!bytes) return;
     if (const std::string sha256 = Sha256Hex(*bytes); sha256 != configuration.Sha256)
-        return Refuse(RecipeFault::HashDiffers, configuration.File,
-                      "its SHA-256 is " + sha256 + "; the recipe gives " + configuration.Sha256);
+        return Refuse(RecipeFault::HashDiffers, configuration.File, "its " + OtherSha256(sha256, configuration.Sha256));
     try {
         check_.Recipe.Config = ReadConfigText(*bytes, configuration.File);
     } catch (const ConfigFileError& failure) {
@@ -368,6 +366,10 @@ bool OnOrder(const Recipe& recipe, const std::string& usbSerial) {
 std::string OffOrderReason(const Recipe& recipe, const std::string& usbSerial) {
     return "the USB serial " + (usbSerial.empty() ? std::string("(none)") : ShortText(usbSerial)) +
            " is not on the order's list " + recipe.UsbSerialsFile.value_or("");
+}
+
+std::string OtherSha256(const std::string& found, const std::string& pinned) {
+    return "SHA-256 is " + found + "; the recipe gives " + pinned;
 }
 
 }  // namespace sb

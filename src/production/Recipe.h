@@ -84,6 +84,10 @@ std::optional<RecipeStep> StepOfName(const std::string& name);
 // configuration; record and run where the recipe asks for them.
 std::vector<RecipeStep> RecipeSteps(const Recipe& recipe);
 
+// "SHA-256 is <found>; the recipe gives <pinned>": why bytes are not the
+// ones a recipe pins.
+std::string OtherSha256(const std::string& found, const std::string& pinned);
+
 // What a module goes through under the recipe, one step a line, for people.
 std::string RecipePlan(const Recipe& recipe);
 

@@ -104,7 +104,7 @@ void RecipeRun::Identity() {
 void RecipeRun::Download(const std::string& firmwarePath) {
     Enter(RecipeStep::Download);
     if (const std::string sha256 = FileSha256(firmwarePath); sha256 != recipe_.Firmware.Sha256)
-        throw StepFailed{"the firmware's SHA-256 is " + sha256 + "; the recipe gives " + recipe_.Firmware.Sha256};
+        throw StepFailed{"the firmware's " + OtherSha256(sha256, recipe_.Firmware.Sha256)};
     UpdateHooks hooks = hooks_;
     hooks.FileName = [firmwarePath] { return firmwarePath; };
     hooks.ChoosePort = [this] { return portName_; };
